@@ -1,0 +1,26 @@
+// Nothing is thrown across the library's interface: what can meet an exception (memory, streams)
+// runs in here.
+#pragma once
+
+#include <cstdio>
+
+#include "KelLib.h"
+#include "ZetNorvTrace.h"
+
+namespace zetnorv {
+
+// Runs `body` and returns its result, or E_FAIL with the trace line "Problem in <operation>:
+// exception" when it throws.
+template <class Body>
+long guarded(const char* operation, Body&& body) noexcept {
+  try {
+    return body();
+  } catch (...) {
+    char line[160];
+    std::snprintf(line, sizeof line, "Problem in %s: exception", operation);
+    ZetNorvTrace.TraPutLN(2, line);
+    return E_FAIL;
+  }
+}
+
+}  // namespace zetnorv

@@ -1,0 +1,80 @@
+// Arrays that the containers of this library own: byte buffers and arrays of owning pointers.
+//
+// All `new[]` and `delete[]` of the library stand here. A refused allocation shows as a null
+// pointer, never as an exception.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <new>
+
+namespace zetnorv {
+
+// `n` zero bytes, or null. Released with releaseBytes(), or with delete[] by a host that it was
+// handed to.
+inline char* newBytes(std::size_t n) { return new (std::nothrow) char[n](); }
+
+// A copy of `n` bytes followed by a NUL, or null.
+inline char* copyBytes(const char* bytes, std::size_t n) {
+  char* copy = newBytes(n + 1);
+  if (copy != nullptr && n > 0) std::memcpy(copy, bytes, n);
+  return copy;
+}
+
+inline void releaseBytes(char*& bytes) {
+  delete[] bytes;
+  bytes = nullptr;
+}
+
+// An array of `capacity` empty slots, or null when it is refused or `capacity` is below 1.
+template <class T>
+T** newSlots(int capacity) {
+  return capacity < 1 ? nullptr : new (std::nothrow) T*[static_cast<std::size_t>(capacity)]();
+}
+
+// A deep copy of one element: null for null, and when it is refused.
+template <class T>
+T* newCopy(const T* element) noexcept {
+  if (element == nullptr) return nullptr;
+  try {
+    return new (std::nothrow) T(*element);
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+// An array of `capacity` slots with deep copies of the first `count` elements of `slots`.
+template <class T>
+T** copySlots(T* const* slots, int count, int capacity) noexcept {
+  T** copy = newSlots<T>(capacity);
+  if (copy == nullptr || slots == nullptr) return copy;
+  for (int i = 0; i < count && i < capacity; ++i) copy[i] = newCopy(slots[i]);
+  return copy;
+}
+
+// Destroys the first `count` elements, then the array.
+template <class T>
+void releaseSlots(T**& slots, int count) noexcept {
+  if (slots == nullptr) return;
+  for (int i = 0; i < count; ++i) delete slots[i];
+  delete[] slots;
+  slots = nullptr;
+}
+
+// Makes room for one more element: a full array is replaced by one that is larger by `increment`,
+// with deep copies of the elements, and the old one is destroyed. The copying is the growth policy
+// that the containers state, so that an element's address is not kept across an `add`.
+//
+// Returns false, with everything as it was, when the larger array is refused.
+template <class T>
+bool growSlots(T**& slots, int count, int& capacity, int increment) noexcept {
+  if (count + 1 <= capacity && slots != nullptr) return true;
+  T** larger = copySlots(slots, count, capacity + increment);
+  if (larger == nullptr) return false;
+  releaseSlots(slots, count);
+  slots = larger;
+  capacity += increment;
+  return true;
+}
+
+}  // namespace zetnorv

@@ -1,0 +1,19 @@
+#include "ZetNorvToolBox/EnsureDirectory.h"
+
+#include "Guard.h"
+#include "KelDirectory.h"
+#include "KelUnicodeString.h"
+
+namespace zetnorv {
+
+bool ensureDirectory(const MString& path) {
+  const long result = guarded("ensureDirectory", [&] {
+    const KelUnicodeString name(path.gchar());
+    const long created = KelCreateDirectory(name.ConvertToWide());
+    if (created == KelLibSucces) KelMakePath(name.ConvertToWide());
+    return created;
+  });
+  return result == KelLibSucces;
+}
+
+}  // namespace zetnorv

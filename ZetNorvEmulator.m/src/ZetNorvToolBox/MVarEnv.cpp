@@ -1,0 +1,3 @@
+#include "MVarEnv.h"
+
+MVarEnv& MVarEnv::operator=(const MVarEnv&) { return *this; }

@@ -1,0 +1,56 @@
+# What every target of this project is built with: the language level, the warnings, the sanitizers
+# and hidden visibility.
+function(zetnorv_target target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  set_target_properties(${target} PROPERTIES
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    -Woverloaded-virtual -Wformat=2
+    $<$<BOOL:${ZETNORV_DEVELOPER}>:-Werror>)
+  if(ZETNORV_SANITIZE)
+    target_compile_options(${target} PRIVATE
+      -fsanitize=${ZETNORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${ZETNORV_SANITIZE})
+  endif()
+endfunction()
+
+# A shared library with a public header set: versioned, installed with its headers, exported as part
+# of `export_set`.
+#
+#   zetnorv_shared_library(<target> EXPORT <set> NAME <exported name> INCLUDES <dir> FOLDER <subdir>)
+function(zetnorv_shared_library target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "EXPORT;NAME;INCLUDES;FOLDER" "")
+  zetnorv_target(${target})
+  file(GLOB headers CONFIGURE_DEPENDS "${arg_INCLUDES}/*.h")
+  target_sources(${target} PUBLIC
+    FILE_SET HEADERS BASE_DIRS "${arg_INCLUDES}" FILES ${headers})
+  set_target_properties(${target} PROPERTIES
+    EXPORT_NAME ${arg_NAME}
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN"
+    VERIFY_INTERFACE_HEADER_SETS ${ZETNORV_DEVELOPER})
+  install(TARGETS ${target}
+    EXPORT ${arg_EXPORT}
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${arg_FOLDER}")
+endfunction()
+
+# Installs the CMake package `package` for the targets of `export_set`, with a version file.
+function(zetnorv_package package namespace)
+  set(destination "${CMAKE_INSTALL_LIBDIR}/cmake/${package}")
+  install(EXPORT ${package}Targets NAMESPACE ${namespace} DESTINATION "${destination}")
+  configure_package_config_file(
+    "${PROJECT_SOURCE_DIR}/cmake/${package}Config.cmake.in"
+    "${CMAKE_CURRENT_BINARY_DIR}/${package}Config.cmake"
+    INSTALL_DESTINATION "${destination}")
+  write_basic_package_version_file("${CMAKE_CURRENT_BINARY_DIR}/${package}ConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+  install(FILES
+    "${CMAKE_CURRENT_BINARY_DIR}/${package}Config.cmake"
+    "${CMAKE_CURRENT_BINARY_DIR}/${package}ConfigVersion.cmake"
+    DESTINATION "${destination}")
+endfunction()
