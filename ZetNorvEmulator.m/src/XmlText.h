@@ -1,0 +1,30 @@
+// XML text in a buffer to a document: the one way in for requests, answers and scripts.
+#pragma once
+
+#include "DOM_Document.h"
+
+namespace zetnorv {
+
+// The lines that an operation traces when its text is not to be had as a document.
+struct XmlProblems {
+  int level;
+  const char* source;  // no input source could be made
+  const char* parse;   // it could not be parsed
+};
+
+// Parses `size` bytes at `text`, called `name` in the foundation's own lines. A size below 0 counts
+// as 0, which is no document.
+//
+// Returns S_OK with `document` set, or E_FAIL with it null and one of `problems` traced.
+long parseXml(const char* text, int size, const char* name, const XmlProblems& problems,
+              DOM_Document& document);
+
+// The XML of a request: what follows its four header bytes. `text` is null when `message` is, and
+// `size` is never below 0.
+struct XmlPayload {
+  XmlPayload(const char* message, int messageSize);
+  const char* text;
+  int size;
+};
+
+}  // namespace zetnorv
