@@ -26,6 +26,7 @@ class KEL_FOUNDATION_EXPORT KelTrace {
   // whole.
   KelTrace(const char* name, const char* description, int level, const char* destination,
            int bufferSize);
+  ~KelTrace();
   KelTrace(const KelTrace&) = delete;
   KelTrace& operator=(const KelTrace&) = delete;
 
@@ -57,11 +58,15 @@ class KEL_FOUNDATION_EXPORT KelTrace {
  private:
   void Put(int level, const char* text, const char* appended);
   void Put(int level, const char* text, int number);
+  void Resolve();
+  void SetThreshold();
 
   std::string _name;
   std::string _description;
-  int _level;
+  int _level;  // the constructor's, raised by KEL_TRACE once it has been read
+  bool _resolved = false;
   // The highest level that concerns anybody. Starts at the highest there is, so that the first line
   // finds out what KEL_TRACE and the listener say.
   int _threshold;
+  KelTrace* _next;  // all traces of the process form a list, so that a listener reaches each
 };
