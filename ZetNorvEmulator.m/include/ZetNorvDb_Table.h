@@ -19,7 +19,9 @@ class ZETNORV_EXPORT ZetNorvDb_Table : public ZetNorvDb_Record {
   ZetNorvDb_Table(int n, MString header);
 
   // Copy the header and share the rows, marks and counts of `o`: a table and its copy must not both
-  // be destroyed. Shallow on purpose; the library itself copies no table.
+  // be destroyed. Shallow on purpose; the library itself copies no table. An assignment does not
+  // free the rows that the target had (another table may share them), and assigning a table to
+  // itself empties its header, as with any record.
   ZetNorvDb_Table(const ZetNorvDb_Table& o);
   ZetNorvDb_Table& operator=(const ZetNorvDb_Table& o);
   ~ZetNorvDb_Table();
@@ -39,7 +41,8 @@ class ZETNORV_EXPORT ZetNorvDb_Table : public ZetNorvDb_Record {
   // Copies row `i` to `out`. E_FAIL, with `out` untouched, when there is no such row.
   long getRecord(int i, ZetNorvDb_Record& out) const;
 
-  // Replaces the content of row `i`. E_FAIL when there is no such row or `rec` has no field.
+  // Replaces the content of row `i`. E_FAIL when there is no such row or `rec` has no field. The
+  // row itself as `rec` is left without fields (see the record's assignment).
   long setRecord(int i, ZetNorvDb_Record& rec);
 
   // Searches the column whose name is a beginning of `column` for a field that is a beginning of

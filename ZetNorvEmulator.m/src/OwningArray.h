@@ -26,6 +26,19 @@ inline void releaseBytes(char*& bytes) {
   bytes = nullptr;
 }
 
+// `n` default-built elements, or null when they are refused or `n` is below 1.
+template <class T>
+T* newElements(int n) {
+  return n < 1 ? nullptr : new (std::nothrow) T[static_cast<std::size_t>(n)];
+}
+
+// Destroys the elements, last to first.
+template <class T>
+void releaseElements(T*& elements) noexcept {
+  delete[] elements;
+  elements = nullptr;
+}
+
 // An array of `capacity` empty slots, or null when it is refused or `capacity` is below 1.
 template <class T>
 T** newSlots(int capacity) {
