@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <new>
 
 namespace zetnorv {
@@ -88,6 +89,23 @@ bool growSlots(T**& slots, int count, int& capacity, int increment) noexcept {
   slots = larger;
   capacity += increment;
   return true;
+}
+
+// Puts `element` behind the last one, growing the array when it is full. The caller makes the
+// element before, so a copy of one of the array's own is safe; a null one (refused) takes a slot as
+// well. When the larger array is refused the element is destroyed and nothing changes.
+template <class T>
+void appendSlot(T**& slots, int& count, int& capacity, int increment,
+                std::unique_ptr<T> element) noexcept {
+  if (!growSlots(slots, count, capacity, increment)) return;
+  slots[count] = element.release();
+  ++count;
+}
+
+// The same with a deep copy of `element`.
+template <class T>
+void appendCopy(T**& slots, int& count, int& capacity, int increment, const T& element) noexcept {
+  appendSlot(slots, count, capacity, increment, std::unique_ptr<T>(newCopy(&element)));
 }
 
 }  // namespace zetnorv
