@@ -17,13 +17,16 @@
 class ZETNORV_EXPORT ZetNorvDb {
  public:
   // The first construction in a process reads "database.txt" into the table: the one in the
-  // scenario directory in replay mode, the one in BIX_ZET_TMP otherwise. Later ones do nothing.
+  // scenario directory in replay mode, the one in BIX_ZET_TMP otherwise. Later ones do nothing. A
+  // missing file gives no rows; a construction that is not told the scenario directory leaves the
+  // loading to the next one.
   ZetNorvDb();
   ~ZetNorvDb();
 
   // Appends one line to the scenario directory's "database.txt" for every complete Reference and
   // Document element of the answer: `size` bytes of XML at `buffer`. The table in memory is not
-  // touched: what is appended is found by a later process.
+  // touched: what is appended is found by a later process. Values are written as they are, so one
+  // with '<', '>' or a line feed in it reads back otherwise.
   //
   // Returns E_FAIL when the text cannot be parsed or a line cannot be written; the elements behind
   // that one get no line.
