@@ -1,0 +1,63 @@
+#include "StagedDocument.h"
+
+#include <string_view>
+
+#include "KelFile.h"
+#include "KelLib.h"
+#include "KelUnicodeString.h"
+#include "MFile.h"
+#include "OwningArray.h"
+
+namespace zetnorv {
+
+namespace {
+
+// What a copy is called until it is complete.
+constexpr const char* kUnfinishedName = ".staging";
+
+MString fileIn(const MString& directory, const MString& name) {
+  MString file(directory);
+  file + name;
+  return file;
+}
+
+}  // namespace
+
+FileContent::FileContent(const MString& path) { MFile().load(path, _bytes, _size); }
+
+FileContent::~FileContent() { releaseBytes(_bytes); }
+
+MString stagedName(const MString& path, int sourceSize) {
+  int position = sourceSize;
+  for (int i = 0; i < path.glength(); ++i) {
+    if (path.extract(i) == '/') position = i;
+  }
+  if (position >= path.glength()) return MString();
+  // The end is one too far, so that a name of one character is taken as well.
+  return path.substring(position + 1, path.glength());
+}
+
+bool staysInDirectory(const MString& name) {
+  if (name.isNull()) return true;
+  std::string_view rest(name.gchar());
+  while (true) {
+    const std::size_t end = rest.find_first_of("/\\");
+    if (rest.substr(0, end) == "..") return false;
+    if (end == std::string_view::npos) return true;
+    rest.remove_prefix(end + 1);
+  }
+}
+
+void stageCopy(const MString& directory, const MString& name, const FileContent& content) {
+  if (name.glength() < 1) return;
+  const MString unfinished = fileIn(directory, MString(kUnfinishedName));
+  const MString copy = fileIn(directory, name);
+  const KelUnicodeString from(unfinished.gchar());
+  const KelUnicodeString to(copy.gchar());
+  if (MFile().save(unfinished.gchar(), content.bytes(), content.size()) != S_OK ||
+      KelFRename(from.ConvertToWide(), to.ConvertToWide()) != S_OK) {
+    KelFRemove(from.ConvertToWide());
+  }
+}
+
+}  // namespace zetnorv
