@@ -17,7 +17,8 @@ class ZETNORV_EXPORT MFile {
 
   // Opens the file `name` in mode "r", "w" or "a+" (see KelFOpen).
   long open(const char* name, const char* mode);
-  // Fails also when what was written could not reach the file.
+  // Closes the file; no file is open afterwards, also when the call fails. Fails also when what was
+  // written could not reach the file.
   long close();
 
   // Writes the NUL-terminated `s`.

@@ -32,7 +32,11 @@ long MFile::open(const char* name, const char* mode) {
   return openDescriptor(name, mode, &_descriptor);
 }
 
-long MFile::close() { return KelFClose(_descriptor); }
+long MFile::close() {
+  const int descriptor = _descriptor;
+  _descriptor = 0;
+  return KelFClose(descriptor);
+}
 
 long MFile::puts(const char* s) {
   int count = 0;
