@@ -48,7 +48,7 @@ class ZETNORV_EXPORT ZetNorvToolBox {
   static long getErrPath(MString& path);
 
   // Appends `text`, exactly as it is, to "trace.log" in the error directory; in debug mode only,
-  // S_OK otherwise. A null text counts as an empty one.
+  // S_OK otherwise. A null text cannot be written: E_FAIL.
   static long writeLog(const char* text);
   // The same to the file `fileName` of that directory.
   static long writeLog(MString fileName, const char* text);

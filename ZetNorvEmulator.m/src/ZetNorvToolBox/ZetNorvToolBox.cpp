@@ -86,7 +86,7 @@ long appendText(const MString& path, const char* text) {
     ZetNorvTrace.TraPutLN(2, "Problem in ZetNorvToolBox::writeLog with KelFOpen");
     return E_FAIL;
   }
-  const long written = file.puts(text == nullptr ? "" : text);
+  const long written = file.puts(text);
   const long closed = file.close();
   if (written != S_OK || closed != S_OK) {
     ZetNorvTrace.TraPutLN(2, "Problem in ZetNorvToolBox::writeLog with file.puts");
