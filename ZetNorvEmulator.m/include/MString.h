@@ -34,7 +34,8 @@ class ZETNORV_EXPORT MString {
 
   // Appends `o` in place. Does nothing when either is a null string; an empty string that is not
   // null is appended to. What is written ends at the first NUL of each operand, while the length
-  // counts both in full.
+  // counts both in full. Nothing changes either when the room is refused, or when an int cannot
+  // hold the length.
   void operator+(const MString& o);
 
   // 1 when the first glength() bytes of this string are those of `o`, else 0. One-sided on purpose:

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <limits>
 
 #include "NullReference.h"
 #include "OwningArray.h"
@@ -15,8 +16,18 @@ using zetnorv::releaseBytes;
 
 namespace {
 
-// Length of `s` up to its first line feed or NUL.
-int lineLength(const char* s) { return static_cast<int>(std::strcspn(s, "\n")); }
+constexpr int kLongest = std::numeric_limits<int>::max();
+
+// A copy of `s` up to its first line feed or NUL, its length in `*length`; null, with a length of
+// 0, for null and for a text whose length or copy is refused.
+char* copyLine(const char* s, int* length) {
+  *length = 0;
+  const std::size_t bytes = s == nullptr ? 0 : std::strcspn(s, "\n");
+  if (s == nullptr || bytes > static_cast<std::size_t>(kLongest)) return nullptr;
+  char* copy = copyBytes(s, bytes);
+  if (copy != nullptr) *length = static_cast<int>(bytes);
+  return copy;
+}
 
 // Whether the first `n` bytes at `left`, which holds at least that many, are those at `right`.
 // Stops at the first difference, so `right` is not read beyond the NUL that ends it.
@@ -68,13 +79,9 @@ MString& MString::operator=(const MString& o) {
 }
 
 void MString::set(const char* s) {
-  char* text = nullptr;
+  // Copied before the old text goes: `s` may point into it.
   int length = 0;
-  if (s != nullptr) {
-    length = lineLength(s);
-    text = copyBytes(s, static_cast<std::size_t>(length));
-    if (text == nullptr) length = 0;
-  }
+  char* text = copyLine(s, &length);
   releaseBytes(p);
   p = text;
   len = length;
@@ -82,6 +89,7 @@ void MString::set(const char* s) {
 
 void MString::operator+(const MString& o) {
   if (zetnorv::isNullReference(o) || p == nullptr || o.p == nullptr) return;
+  if (o.len > kLongest - len) return;
   char* text = newBytes(static_cast<std::size_t>(len) + static_cast<std::size_t>(o.len) + 1);
   if (text == nullptr) return;
   // Written as texts, each up to its first NUL; the length counts both in full all the same.
