@@ -7,10 +7,12 @@
 #include <iostream>
 #include <limits>
 
+#include "Guard.h"
 #include "NullReference.h"
 #include "OwningArray.h"
 
 using zetnorv::copyBytes;
+using zetnorv::guarded;
 using zetnorv::newBytes;
 using zetnorv::releaseBytes;
 
@@ -191,15 +193,18 @@ MString MString::spSplitNext() {
   return MString(p + tokStart, i - tokStart);
 }
 
+// A host may have made its standard output throw.
 void MString::print() const {
-  if (p == nullptr || len == 0) {
-    std::cout << "error: NULL ";
-    return;
-  }
-  std::cout << p;
+  guarded("MString::print", [&] {
+    std::cout << (p == nullptr || len == 0 ? "error: NULL " : p);
+    return S_OK;
+  });
 }
 
 void MString::println() const {
   print();
-  std::cout << std::endl;
+  guarded("MString::println", [] {
+    std::cout << std::endl;
+    return S_OK;
+  });
 }
