@@ -5,17 +5,20 @@
 #include "KelError.h"
 #include "KelFile.h"
 #include "MFile.h"
+#include "NullReference.h"
 #include "ZetNorvToolBox/EnsureDirectory.h"
 
 using zetnorv::ensureDirectory;
 using zetnorv::guarded;
+using zetnorv::isNullReference;
 
 namespace {
 
-// Sets `value` to the text of the variable `name`; one without a text counts as missing.
+// Sets `value` to the text of the variable `name`; one without a text counts as missing, and so
+// does any when an old host handed in no string to put it in.
 bool readVariable(const char* name, MString& value) {
   const char* text = nullptr;
-  if (KelGetEnvValue(name, &text) != S_OK) return false;
+  if (isNullReference(value) || KelGetEnvValue(name, &text) != S_OK) return false;
   value.set(text);
   return true;
 }
@@ -205,6 +208,7 @@ long ZetNorvToolBox::writeLog(MString fileName, const char* text) {
 
 long ZetNorvToolBox::StreamFromEmul(const char* source, KelUnicodeString& target) {
   ZetNorvTrace.TraPutLN(2, "ZetNorvToolBox::StreamFromEmul");
+  if (isNullReference(target)) return E_FAIL;
   return guarded("ZetNorvToolBox::StreamFromEmul", [&] {
     const KelUnicodeString name = KelUnicodeString(source).Strip(KelStripBoth);
     if (target.IsNull()) {
