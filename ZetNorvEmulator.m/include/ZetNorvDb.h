@@ -57,11 +57,13 @@ class ZETNORV_EXPORT ZetNorvDb {
   long emulgetTimeStamp(KelUnicodeString& coid, KelUnicodeString& compid,
                         KelUnicodeString& timeStamp, int mode);
   // Gets the "timestamp" as a time; with `mode` 0 it clears the row's time stamp. `*time` is
-  // borrowed: valid until the next call of this operation.
+  // borrowed: valid until the next call of this operation. A part of the text that is no number
+  // counts as 0.
   long emulgetTimeStamp(KelUnicodeString& coid, KelUnicodeString& compid, KelTime** time, int mode);
 
   // Finds the first row whose part number begins with `partNumber`, or whose name begins with
-  // `name`. E_FAIL, with the outputs untouched, when there is none.
+  // `name`; a null text finds nothing, an empty one the first row. E_FAIL, with the outputs
+  // untouched, when there is none. Rows of fewer than 4 fields are passed over here and below.
   long getCOIDCOMPID(KelUnicodeString partNumber, KelUnicodeString name, KelDbBinary& coid,
                      KelDbBinary& compid);
   // Finds the compid of the first row whose coid begins with `coid` and whose name begins with
@@ -74,7 +76,9 @@ class ZETNORV_EXPORT ZetNorvDb {
   // The table's search (see ZetNorvDb_Table) on the database.
   long getRecord(const char* column, const char* value, ZetNorvDb_Record& out, int trace);
 
-  // The identifiers in a text of 32 hexadecimal characters: the first 16, and the last 16.
+  // The identifiers, of 8 bytes, in a text of 32 hexadecimal characters: the first 16, and the last
+  // 16. A pair with a missing character gives the byte 255, as one with a character that is not
+  // hexadecimal; so also where identifiers are taken from a row.
   KelDbBinary GetCoid(const KelUnicodeString& ident);
   KelDbBinary GetCompid(const KelUnicodeString& ident);
 
@@ -92,6 +96,9 @@ class ZETNORV_EXPORT ZetNorvDb {
 };
 
 // Converts `n` hexadecimal characters, of either case, into `n` / 2 bytes at `out`, which must have
-// room for them; `outLen` is set to their number. A pair with another character gives the byte 255;
-// an odd last character is ignored; a negative `n` converts nothing.
+// room for them. A pair with another character gives the byte 255; an odd last character is
+// ignored; a negative `n` converts nothing.
+//
+// `outLen` is set to `n` / 2, rounded toward zero (so it may be negative); to 0, with a trace line,
+// when there is something to convert and `hex` or `out` is null.
 ZETNORV_EXPORT void ZetNorvdrhxch(int n, unsigned char* hex, int& outLen, unsigned char* out);

@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "DatabaseColumns.h"
 #include "KelLib.h"
 #include "NullReference.h"
 #include "OwningArray.h"
@@ -11,7 +12,6 @@
 namespace {
 
 constexpr int kFirstSlots = 3;
-constexpr int kPathFile = 4;
 
 // A mark as a new row has it: an empty text cut at its commas, which reads "NULL".
 std::unique_ptr<ZetNorvDb_Record> newMark() {
@@ -35,7 +35,7 @@ bool searchable(const ZetNorvDb_Record* row, const ZetNorvDb_Record* mark, int k
 // Whether the search goes on behind a row that it has selected: a row that is no reference may
 // follow.
 bool isReference(const ZetNorvDb_Record& row) {
-  return row._nbData <= kPathFile || row._data[kPathFile].compare("Reference");
+  return row._nbData <= zetnorv::kPathFile || row._data[zetnorv::kPathFile].compare("Reference");
 }
 
 }  // namespace
