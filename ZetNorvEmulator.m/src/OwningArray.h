@@ -4,6 +4,8 @@
 // pointer, never as an exception.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -40,10 +42,18 @@ void releaseElements(T*& elements) noexcept {
   elements = nullptr;
 }
 
-// An array of `capacity` empty slots, or null when it is refused or `capacity` is below 1.
+// How many slots an array of `capacity` has in memory: the next power of two. What a container
+// states as its capacity grows in small steps; the array behind it is replaced at every doubling
+// only, so that filling a container of many thousands of elements costs no more than its length.
+inline std::size_t slotsInMemory(int capacity) {
+  return capacity < 1 ? 0 : std::bit_ceil(static_cast<std::size_t>(capacity));
+}
+
+// An array of `capacity` empty slots, or null when it is refused or `capacity` is below 1. Every
+// array that growSlots() is given comes from here.
 template <class T>
 T** newSlots(int capacity) {
-  return capacity < 1 ? nullptr : new (std::nothrow) T*[static_cast<std::size_t>(capacity)]();
+  return capacity < 1 ? nullptr : new (std::nothrow) T*[slotsInMemory(capacity)]();
 }
 
 // A deep copy of one element: null for null, and when it is refused.
@@ -75,13 +85,29 @@ void releaseSlots(T**& slots, int count) noexcept {
   slots = nullptr;
 }
 
-// Makes room for one more element: a full array is replaced by one that is larger by `increment`,
-// with deep copies of the elements, and the old one is destroyed. The copying is the growth policy
-// that the containers state, so that an element's address is not kept across an `add`.
+// Makes room for one more element: the capacity of a full array grows by `increment`. The elements
+// stay the objects they are; the array may be another one afterwards.
 //
-// Returns false, with everything as it was, when the larger array is refused.
+// Returns false, with everything as it was, when a larger array is refused.
 template <class T>
 bool growSlots(T**& slots, int count, int& capacity, int increment) noexcept {
+  if (count + 1 <= capacity && slots != nullptr) return true;
+  const int enlarged = capacity + increment;
+  if (slots == nullptr || slotsInMemory(enlarged) > slotsInMemory(capacity)) {
+    T** larger = newSlots<T>(enlarged);
+    if (larger == nullptr) return false;
+    if (slots != nullptr) std::copy_n(slots, count, larger);
+    delete[] slots;
+    slots = larger;
+  }
+  capacity = enlarged;
+  return true;
+}
+
+// The same for a container whose stated policy it is that every growth copies every element: the
+// array and its elements are replaced by copies.
+template <class T>
+bool growSlotsByCopying(T**& slots, int count, int& capacity, int increment) noexcept {
   if (count + 1 <= capacity && slots != nullptr) return true;
   T** larger = copySlots(slots, count, capacity + increment);
   if (larger == nullptr) return false;
