@@ -13,6 +13,10 @@ namespace {
 
 constexpr int kHeaderBytes = 4;
 
+void traceStep(const char* line) {
+  if (line != nullptr) ZetNorvTrace.TraPutLN(2, line);
+}
+
 }  // namespace
 
 long parseXml(const char* text, int size, const char* name, const XmlProblems& problems,
@@ -25,7 +29,10 @@ long parseXml(const char* text, int size, const char* name, const XmlProblems& p
     ZetNorvTrace.TraPutLN(problems.level, problems.source);
     return E_FAIL;
   }
-  if (KelXMLParseServices::XMLParse(*source, document) != S_OK) {
+  traceStep(problems.beforeParse);
+  const long parsed = KelXMLParseServices::XMLParse(*source, document);
+  traceStep(problems.afterParse);
+  if (parsed != S_OK) {
     ZetNorvTrace.TraPutLN(problems.level, problems.parse);
     return E_FAIL;
   }

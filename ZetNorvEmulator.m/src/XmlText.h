@@ -5,11 +5,14 @@
 
 namespace zetnorv {
 
-// The lines that an operation traces when its text is not to be had as a document.
+// The lines that an operation traces when its text is not to be had as a document, and around the
+// parsing, at level 2, where it wants any.
 struct XmlProblems {
   int level;
   const char* source;  // no input source could be made
   const char* parse;   // it could not be parsed
+  const char* beforeParse = nullptr;
+  const char* afterParse = nullptr;  // also when the text could not be parsed
 };
 
 // Parses `size` bytes at `text`, called `name` in the foundation's own lines. A size below 0 counts
