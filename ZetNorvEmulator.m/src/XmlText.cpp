@@ -1,5 +1,6 @@
 #include "XmlText.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "Guard.h"
@@ -40,7 +41,12 @@ long parseXml(const char* text, int size, const char* name, const XmlProblems& p
 }
 
 XmlPayload::XmlPayload(const char* message, int messageSize)
-    : text(message == nullptr || messageSize < kHeaderBytes ? message : message + kHeaderBytes),
-      size(message == nullptr || messageSize < kHeaderBytes ? 0 : messageSize - kHeaderBytes) {}
+    : text(message), size(std::max(messageSize, kHeaderBytes) - kHeaderBytes) {
+  if (message == nullptr) {
+    size = 0;
+  } else if (messageSize >= kHeaderBytes) {
+    text = message + kHeaderBytes;
+  }
+}
 
 }  // namespace zetnorv

@@ -22,8 +22,9 @@ struct XmlProblems {
 long parseXml(const char* text, int size, const char* name, const XmlProblems& problems,
               DOM_Document& document);
 
-// The XML of a request: what follows its four header bytes. `text` is null when `message` is, and
-// `size` is never below 0.
+// The XML of a request: what follows its four header bytes. `text` is null only when `message` is,
+// and `size` is never below 0: a message that ends in its header has an empty text, which is no
+// document.
 struct XmlPayload {
   XmlPayload(const char* message, int messageSize);
   const char* text;
