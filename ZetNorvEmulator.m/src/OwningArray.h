@@ -29,6 +29,19 @@ inline void releaseBytes(char*& bytes) {
   bytes = nullptr;
 }
 
+// Releases the bytes that `bytes` points to when it goes out of scope; a caller that hands them on
+// sets the pointer to null.
+class OwnedBytes {
+ public:
+  explicit OwnedBytes(char*& bytes) : _bytes(bytes) {}
+  ~OwnedBytes() { releaseBytes(_bytes); }
+  OwnedBytes(const OwnedBytes&) = delete;
+  OwnedBytes& operator=(const OwnedBytes&) = delete;
+
+ private:
+  char*& _bytes;
+};
+
 // `n` default-built elements, or null when they are refused or `n` is below 1.
 template <class T>
 T* newElements(int n) {

@@ -1,0 +1,114 @@
+#include "RecordedFile.h"
+
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "Guard.h"
+#include "KelDirectory.h"
+#include "KelFile.h"
+#include "KelUnicodeString.h"
+#include "MFile.h"
+#include "MString.h"
+#include "ZetNorvToolBox.h"
+#include "ZetNorvToolBox/EnsureDirectory.h"
+
+namespace zetnorv {
+
+namespace {
+
+const char* prefixOf(Recorded kind) { return kind == Recorded::kRequest ? "save" : "rep"; }
+
+// The smallest free number of every kind of file in one directory.
+//
+// A number that was found taken stays taken until a name goes from the directory, so the search
+// goes on where it ended last time. The directory is watched: when something went from it, or when
+// that cannot be told, the search starts at 0 again.
+class FreeNumbers {
+ public:
+  explicit FreeNumbers(const std::string& directory)
+      : _directory(directory), _watch(KelUnicodeString(directory.c_str()).ConvertToWide()) {}
+
+  const std::string& directory() const { return _directory; }
+
+  // The path with the smallest free number for `kind` and `op`.
+  std::string nextPath(Recorded kind, int op) {
+    if (_watch.Changed()) _next.clear();
+    int& k = _next[{kind, op}];
+    std::string path = pathOf(kind, op, k);
+    while (opens(path)) path = pathOf(kind, op, ++k);
+    return path;
+  }
+
+ private:
+  std::string pathOf(Recorded kind, int op, int k) const {
+    char name[48];
+    std::snprintf(name, sizeof name, "\\%s%d_%d.txt", prefixOf(kind), op, k);
+    return _directory + name;
+  }
+
+  static bool opens(const std::string& path) {
+    MFile file;
+    if (file.open(path.c_str(), "r") != S_OK) return false;
+    file.close();
+    return true;
+  }
+
+  std::string _directory;
+  KelDirectoryWatch _watch;
+  std::map<std::pair<Recorded, int>, int> _next;
+};
+
+// What is known of the directory that is recorded into; one at a time.
+FreeNumbers& numbersOf(const std::string& directory) {
+  static std::unique_ptr<FreeNumbers> numbers;
+  if (numbers == nullptr || numbers->directory() != directory) {
+    numbers.reset();
+    numbers = std::make_unique<FreeNumbers>(directory);
+  }
+  return *numbers;
+}
+
+void reportEmpty(Recorded kind, int op) {
+  ZetNorvTrace.TraPutLN(2, "Probleme pour ecrire le fichier.");
+  ZetNorvToolBox::writeLog(
+      kind == Recorded::kRequest
+          ? "(save)Impossible d'ecrire le fichier de reference inputSizeBuf <= 0.\n"
+          : "(saveAnswer)Impossible d'ecrire le fichier de reference inputSizeBuf <= 0.\n");
+  char line[48];
+  std::snprintf(line, sizeof line, "Msg Errone %d\n", op);
+  ZetNorvToolBox::writeLog(line);
+}
+
+// Fills the new file `path`; one that could not be filled is removed.
+long fill(const std::string& path, const char* message, int size) {
+  MFile file;
+  if (file.open(path.c_str(), "w") != S_OK) {
+    ZetNorvTrace.TraPutLN(2, "Problem with KelFOpen w!");
+    return E_FAIL;
+  }
+  const long written = message == nullptr ? S_OK : file.write(message, size);
+  const long closed = file.close();
+  if (written == S_OK && closed == S_OK) return S_OK;
+  ZetNorvTrace.TraPutLN(2, "Problem with KelFWrite!");
+  KelFRemove(KelUnicodeString(path.c_str()).ConvertToWide());
+  return E_FAIL;
+}
+
+}  // namespace
+
+RecordedFile writeRecordedFile(Recorded kind, int op, const char* message, int size) {
+  if (size <= 0) {
+    reportEmpty(kind, op);
+    return {E_FAIL, {}};
+  }
+  MString reference;
+  if (ZetNorvToolBox::getRefPath(reference) != S_OK) return {E_FAIL, {}};
+  ensureDirectory(reference);
+  std::string path = numbersOf(reference.gchar()).nextPath(kind, op);
+  const long result = fill(path, message, size);
+  return {result, std::move(path)};
+}
+
+}  // namespace zetnorv
