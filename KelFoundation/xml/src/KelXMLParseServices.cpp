@@ -1,0 +1,93 @@
+#include "KelXMLParseServices.h"
+
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/sax/SAXException.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/XMLException.hpp>
+
+#include "KelLib.h"
+#include "KelTrace.h"
+#include "KelXmlFailure.h"
+#include "KelXmlScannerPool.h"
+#include "KelXmlSource.h"
+#include "KelXmlTree.h"
+#include "KelXmlUtf8.h"
+
+namespace {
+
+constexpr int kTraceLevel = 2;
+constexpr int kTraceLineLength = 256;
+
+// A tree may take this much, whatever its document looks like, and this much for each byte of it:
+// more is reached by expanding entities only.
+constexpr std::size_t kTreeMemory = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t kTreeMemoryPerByte = 40;
+
+void Trace(const std::string& line) {
+  static std::mutex mutex;
+  static KelTrace trace("KelXML", "XML services", 0, "STDERR", kTraceLineLength);
+  const std::lock_guard lock(mutex);
+  trace.TraPutLN(kTraceLevel, line.c_str());
+}
+
+long Refuse(const KelInputSource& source, const KelXmlFailure& failure) noexcept {
+  try {
+    Trace(source.name() + ": line " + std::to_string(failure.line) + ", column " +
+          std::to_string(failure.column) + ": " + failure.reason);
+  } catch (...) {
+    // Without memory for the line there is still the result.
+  }
+  return E_FAIL;
+}
+
+// Has a parser for as long as it lives.
+class BorrowedScanner {
+ public:
+  BorrowedScanner() : _scanner(KelXmlScannerPool::Take()) {}
+  ~BorrowedScanner() { KelXmlScannerPool::Give(std::move(_scanner)); }
+  BorrowedScanner(const BorrowedScanner&) = delete;
+  BorrowedScanner& operator=(const BorrowedScanner&) = delete;
+
+  KelXmlScanner* operator->() { return _scanner.get(); }
+
+ private:
+  std::unique_ptr<KelXmlScanner> _scanner;
+};
+
+std::shared_ptr<KelXmlTree> Parse(std::string_view source) {
+  const std::string_view text = DocumentIn(source);
+  auto tree =
+      std::make_shared<KelXmlTree>(2 * text.size(), kTreeMemory + kTreeMemoryPerByte * text.size());
+  BorrowedScanner scanner;
+  scanner->Scan(text, *tree);
+  tree->LiftLimit();
+  return tree;
+}
+
+}  // namespace
+
+long KelXMLParseServices::XMLParse(const KelInputSource& source, DOM_Document& document) {
+  document = DOM_Document();
+  try {
+    document = DOM_Document(Parse(source.text()));
+    return S_OK;
+  } catch (const KelXmlFailure& failure) {
+    return Refuse(source, failure);
+  } catch (const xercesc::OutOfMemoryException&) {
+    return Refuse(source, KelXmlFailure("out of memory"));
+  } catch (const xercesc::SAXException& exception) {
+    return Refuse(source, KelXmlFailure(ToUtf8(exception.getMessage())));
+  } catch (const xercesc::XMLException& exception) {
+    return Refuse(source, KelXmlFailure(ToUtf8(exception.getMessage())));
+  } catch (const xercesc::DOMException& exception) {
+    return Refuse(source, KelXmlFailure(ToUtf8(exception.getMessage())));
+  } catch (const std::exception& exception) {
+    return Refuse(source, KelXmlFailure(exception.what()));
+  } catch (...) {
+    return Refuse(source, KelXmlFailure("an unknown exception of the parser"));
+  }
+}
