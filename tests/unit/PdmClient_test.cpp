@@ -343,13 +343,13 @@ TEST_F(PdmClientTest, TagTextGivesValuesBackAsTheyWereWritten) {
 
 TEST_F(PdmClientTest, CommandLineSetsWhatItsOptionsSay) {
   const pdm::CommandLine line = pdm::readCommandLine(
-      {"--offline", "--work", "folder", "--seed", "18446744073709551615", "--alter", "2",
+      {"--offline", "--work", "folder", "--seed", "18446744073709551615", "--alter", "1",
        "--exchanges", "30", "--mix", "4", "--snapshots", "--document-bytes", "9", "--quiet"});
   EXPECT_EQ(line.fault, "");
   EXPECT_TRUE(line.session.offline);
   EXPECT_EQ(line.session.workFolder, "folder");
   EXPECT_EQ(line.session.seed, 18446744073709551615u);
-  EXPECT_EQ(line.session.alteredStep, 2);
+  EXPECT_EQ(line.session.alteredStep, 1);
   EXPECT_EQ(line.session.plan.exchanges, 30);
   EXPECT_EQ(line.session.plan.mix, 4u);
   EXPECT_TRUE(line.session.plan.snapshots);
