@@ -1,0 +1,73 @@
+#include "FaultyFileSystem.h"
+
+#include "KelLib.h"
+
+FaultyFileSystem::FaultyFileSystem() : _before(KelFileSystem::Install(this)) {}
+
+FaultyFileSystem::~FaultyFileSystem() { KelFileSystem::Install(_before); }
+
+void FaultyFileSystem::fail(Call call, int nth, Times times) { _planned[call] = {nth - 1, times}; }
+
+bool FaultyFileSystem::fails(Call call) {
+  const auto planned = _planned.find(call);
+  if (planned == _planned.end() || planned->second.callsBefore-- > 0) return false;
+  planned->second.callsBefore = 0;
+  if (planned->second.times == Times::kOnce) _planned.erase(planned);
+  ++_faults;
+  return true;
+}
+
+long FaultyFileSystem::Open(const std::string& path, Mode mode, int* handle) {
+  if (fails(Call::kOpen)) return E_FAIL;
+  const long result = _before->Open(path, mode, handle);
+  if (result == S_OK) ++_openFiles;
+  return result;
+}
+
+long FaultyFileSystem::Read(int handle, char* buffer, std::size_t n, std::size_t* count) {
+  return fails(Call::kRead) ? E_FAIL : _before->Read(handle, buffer, n, count);
+}
+
+long FaultyFileSystem::Write(int handle, const char* buffer, std::size_t n, std::size_t* count) {
+  return fails(Call::kWrite) ? E_FAIL : _before->Write(handle, buffer, n, count);
+}
+
+long FaultyFileSystem::Close(int handle) {
+  --_openFiles;
+  const long result = _before->Close(handle);
+  return fails(Call::kClose) ? E_FAIL : result;
+}
+
+long FaultyFileSystem::Size(int handle, std::int64_t* size) {
+  return fails(Call::kSize) ? E_FAIL : _before->Size(handle, size);
+}
+
+long FaultyFileSystem::Stamp(const std::string& path, KelFileStamp* stamp) {
+  return fails(Call::kStamp) ? E_FAIL : _before->Stamp(path, stamp);
+}
+
+long FaultyFileSystem::Remove(const std::string& path) {
+  return fails(Call::kRemove) ? E_FAIL : _before->Remove(path);
+}
+
+long FaultyFileSystem::Rename(const std::string& from, const std::string& to) {
+  return fails(Call::kRename) ? E_FAIL : _before->Rename(from, to);
+}
+
+long FaultyFileSystem::MakeDirectory(const std::string& path) {
+  return fails(Call::kMakeDirectory) ? E_FAIL : _before->MakeDirectory(path);
+}
+
+long FaultyFileSystem::FindDirectory(const std::string& path, KelFileStamp* identity) {
+  return fails(Call::kFindDirectory) ? E_FAIL : _before->FindDirectory(path, identity);
+}
+
+long FaultyFileSystem::StartWatch(const std::string& path, int* watch) {
+  return _before->StartWatch(path, watch);
+}
+
+long FaultyFileSystem::PollWatch(int watch, bool* changed) {
+  return _before->PollWatch(watch, changed);
+}
+
+void FaultyFileSystem::StopWatch(int watch) { _before->StopWatch(watch); }

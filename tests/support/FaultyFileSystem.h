@@ -1,0 +1,65 @@
+// The operating system's file system with faults where a test wants them. In use while it lives.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "KelFileSystem.h"
+
+class FaultyFileSystem : public KelFileSystem {
+ public:
+  enum class Call {
+    kOpen,
+    kRead,
+    kWrite,
+    kClose,
+    kSize,
+    kStamp,
+    kRemove,
+    kRename,
+    kMakeDirectory,
+    kFindDirectory,
+  };
+  enum class Times { kOnce, kAlways };
+
+  FaultyFileSystem();
+  ~FaultyFileSystem() override;
+  FaultyFileSystem(const FaultyFileSystem&) = delete;
+  FaultyFileSystem& operator=(const FaultyFileSystem&) = delete;
+
+  // Makes the `nth` of the following calls of the kind `call` fail, counted from 1, and, with
+  // kAlways, all behind it.
+  void fail(Call call, int nth = 1, Times times = Times::kOnce);
+  // How many calls were made to fail.
+  int faults() const { return _faults; }
+  // How many files were opened since and are not closed.
+  int openFiles() const { return _openFiles; }
+
+  long Open(const std::string& path, Mode mode, int* handle) override;
+  long Read(int handle, char* buffer, std::size_t n, std::size_t* count) override;
+  long Write(int handle, const char* buffer, std::size_t n, std::size_t* count) override;
+  long Close(int handle) override;
+  long Size(int handle, std::int64_t* size) override;
+  long Stamp(const std::string& path, KelFileStamp* stamp) override;
+  long Remove(const std::string& path) override;
+  long Rename(const std::string& from, const std::string& to) override;
+  long MakeDirectory(const std::string& path) override;
+  long FindDirectory(const std::string& path, KelFileStamp* identity) override;
+  long StartWatch(const std::string& path, int* watch) override;
+  long PollWatch(int watch, bool* changed) override;
+  void StopWatch(int watch) override;
+
+ private:
+  struct Fault {
+    int callsBefore;
+    Times times;
+  };
+
+  // Whether this call of the kind `call` is to fail.
+  bool fails(Call call);
+
+  std::map<Call, Fault> _planned;
+  int _faults = 0;
+  int _openFiles = 0;
+  KelFileSystem* _before;
+};
