@@ -4,6 +4,7 @@
 #include <string>
 
 #include "DOM_Document.h"
+#include "DatabaseColumns.h"
 #include "Guard.h"
 #include "KelDOMServices.h"
 #include "OwningArray.h"
@@ -14,6 +15,12 @@
 #include "ZetNorvToolBox/EnsureDirectory.h"
 
 using zetnorv::guarded;
+using zetnorv::kCoid;
+using zetnorv::kCompid;
+using zetnorv::kPathFile;
+using zetnorv::kTable;
+using zetnorv::kType;
+using zetnorv::kUuid;
 
 namespace {
 
@@ -102,7 +109,7 @@ bool hasFile(const ZetNorvDb_Record& row) {
   static constexpr const char* kTables[] = {"Indefini", "DOCUMENT", "Reference"};
   static constexpr const char* kTypes[] = {"KelPart", "KelDrawing", "catalog", "KelProcess",
                                            "Reference"};
-  return isOneOf(field(row, 6), kTables) && isOneOf(field(row, 7), kTypes);
+  return isOneOf(field(row, kTable), kTables) && isOneOf(field(row, kType), kTypes);
 }
 
 // The first row with these identifiers whose table and type are those of a file; null when there is
@@ -111,9 +118,9 @@ const ZetNorvDb_Record* findFile(const KelUnicodeString& coid, const KelUnicodeS
   const ZetNorvDb_Table& table = ZetNorvDb::_database;
   for (int i = 0; i < table.getSize(); ++i) {
     const ZetNorvDb_Record* row = table._rows[i];
-    if (row == nullptr || row->getSize() < 8) continue;
-    if (coid == KelUnicodeString(field(*row, 0).gchar()) &&
-        compid == KelUnicodeString(field(*row, 1).gchar()) && hasFile(*row)) {
+    if (row == nullptr || row->getSize() <= kType) continue;
+    if (coid == KelUnicodeString(field(*row, kCoid).gchar()) &&
+        compid == KelUnicodeString(field(*row, kCompid).gchar()) && hasFile(*row)) {
       return row;
     }
   }
@@ -126,7 +133,7 @@ const ZetNorvDb_Record* findFile(const KelUnicodeString& coid, const KelUnicodeS
 MString pathToRead(const ZetNorvDb_Record& row) {
   MString path;
   path + MString("\\KelTemp\\");
-  path + field(row, 4);
+  path + field(row, kPathFile);
   return path;
 }
 
@@ -166,7 +173,7 @@ long ZetNorvDb::getFile(KelDbBinary& coid, KelDbBinary& compid, char*& path, MSt
     ZetNorvTrace.TraPutLN(2, path);
     ZetNorvToolBox::writeLog("Fichier Trouve\n");
     ZetNorvToolBox::writeLog(path);
-    uuid = field(*row, 5);
+    uuid = field(*row, kUuid);
     return S_OK;
   });
 }
