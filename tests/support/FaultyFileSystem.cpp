@@ -17,8 +17,16 @@ bool FaultyFileSystem::fails(Call call) {
   return true;
 }
 
+void FaultyFileSystem::fillDiskAtWrite(int nth) {
+  fail(Call::kWrite, nth, Times::kAlways);
+  _halfTaken = false;
+}
+
 long FaultyFileSystem::Open(const std::string& path, Mode mode, int* handle) {
-  if (fails(Call::kOpen)) return E_FAIL;
+  const Call call = mode == Mode::kRead    ? Call::kOpenRead
+                    : mode == Mode::kWrite ? Call::kOpenWrite
+                                           : Call::kOpenAppend;
+  if (fails(Call::kOpen) || fails(call)) return E_FAIL;
   const long result = _before->Open(path, mode, handle);
   if (result == S_OK) ++_openFiles;
   return result;
@@ -29,7 +37,10 @@ long FaultyFileSystem::Read(int handle, char* buffer, std::size_t n, std::size_t
 }
 
 long FaultyFileSystem::Write(int handle, const char* buffer, std::size_t n, std::size_t* count) {
-  return fails(Call::kWrite) ? E_FAIL : _before->Write(handle, buffer, n, count);
+  if (!fails(Call::kWrite)) return _before->Write(handle, buffer, n, count);
+  if (_halfTaken) return E_FAIL;
+  _halfTaken = true;
+  return _before->Write(handle, buffer, n / 2, count);
 }
 
 long FaultyFileSystem::Close(int handle) {

@@ -9,7 +9,10 @@
 class FaultyFileSystem : public KelFileSystem {
  public:
   enum class Call {
-    kOpen,
+    kOpen,  // in any mode
+    kOpenRead,
+    kOpenWrite,
+    kOpenAppend,
     kRead,
     kWrite,
     kClose,
@@ -30,6 +33,9 @@ class FaultyFileSystem : public KelFileSystem {
   // Makes the `nth` of the following calls of the kind `call` fail, counted from 1, and, with
   // kAlways, all behind it.
   void fail(Call call, int nth = 1, Times times = Times::kOnce);
+  // Makes the `nth` of the following writes take half of its bytes and all behind it fail: a disk
+  // that is full.
+  void fillDiskAtWrite(int nth = 1);
   // How many calls were made to fail.
   int faults() const { return _faults; }
   // How many files were opened since and are not closed.
@@ -59,6 +65,7 @@ class FaultyFileSystem : public KelFileSystem {
   bool fails(Call call);
 
   std::map<Call, Fault> _planned;
+  bool _halfTaken = true;  // the last write before a full disk
   int _faults = 0;
   int _openFiles = 0;
   KelFileSystem* _before;
