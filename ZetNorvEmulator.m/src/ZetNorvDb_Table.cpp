@@ -139,8 +139,8 @@ long ZetNorvDb_Table::add(ZetNorvDb_Record& rc) {
 
   int rowCapacity = _capacity;
   int markCapacity = _capacity;
-  if (!zetnorv::growSlots(_rows, _nbRows, rowCapacity, 1) ||
-      !zetnorv::growSlots(_marks, _nbRows, markCapacity, 1)) {
+  if (!zetnorv::growSlotsByCopying(_rows, _nbRows, rowCapacity, 1) ||
+      !zetnorv::growSlotsByCopying(_marks, _nbRows, markCapacity, 1)) {
     return E_FAIL;
   }
   _capacity = rowCapacity;

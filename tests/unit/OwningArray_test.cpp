@@ -195,11 +195,25 @@ TEST_F(OwningArrayTest, ArrayWithRoomDoesNotGrow) {
   zetnorv::releaseSlots(slots, 2);
 }
 
-TEST_F(OwningArrayTest, FullArrayIsReplacedByALargerOneWithCopies) {
+TEST_F(OwningArrayTest, FullArrayGrowsAndKeepsItsElements) {
+  Element** slots = filled(2, 2);
+  Element* const first = slots[0];
+  int capacity = 2;
+  EXPECT_TRUE(zetnorv::growSlots(slots, 2, capacity, 3));
+  EXPECT_EQ(capacity, 5);
+  EXPECT_EQ(slots[0], first);
+  EXPECT_EQ(slots[1]->number, 1);
+  for (int i = 2; i < 5; ++i) EXPECT_EQ(slots[i], nullptr);
+  EXPECT_EQ(Element::alive, 2);
+  EXPECT_EQ(Element::copies, 0);
+  zetnorv::releaseSlots(slots, 2);
+}
+
+TEST_F(OwningArrayTest, ByCopyingAFullArrayIsReplacedByALargerOneWithCopies) {
   Element** slots = filled(2, 2);
   Element** const before = slots;
   int capacity = 2;
-  EXPECT_TRUE(zetnorv::growSlots(slots, 2, capacity, 3));
+  EXPECT_TRUE(zetnorv::growSlotsByCopying(slots, 2, capacity, 3));
   EXPECT_EQ(capacity, 5);
   EXPECT_NE(slots, before);
   EXPECT_EQ(slots[0]->number, 0);
@@ -228,11 +242,11 @@ TEST_F(OwningArrayTest, MissingArrayOfSomeCapacityIsMade) {
   zetnorv::releaseSlots(slots, 0);
 }
 
-TEST_F(OwningArrayTest, RefusedGrowthLeavesEverythingAsItWas) {
+TEST_F(OwningArrayTest, RefusedGrowthByCopyingLeavesEverythingAsItWas) {
   Element** slots = filled(2, 2);
   Element** const before = slots;
   int capacity = 2;
-  EXPECT_FALSE(zetnorv::growSlots(slots, 2, capacity, -2));  // no array that small
+  EXPECT_FALSE(zetnorv::growSlotsByCopying(slots, 2, capacity, -2));  // no array that small
   EXPECT_EQ(slots, before);
   EXPECT_EQ(slots[1]->number, 1);
   EXPECT_EQ(capacity, 2);
