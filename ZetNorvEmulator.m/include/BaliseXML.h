@@ -39,8 +39,8 @@ class ZETNORV_EXPORT BaliseXML {
   // `name`. Borrowed as above.
   AttributXML* getAttribut(const char* name) const;
 
-  // Append a deep copy, also of this tag or of one of its own. A full array is replaced by one with
-  // 5 more slots and copies of the elements. A null reference is traced and not added.
+  // Append a deep copy, also of this tag or of an element of its own. A full list gets room for 5
+  // more. A null reference is traced and not added.
   void addChildP(const BaliseXML& child);
   void addAttributP(const AttributXML& attribut);
 

@@ -17,8 +17,8 @@ class ZETNORV_EXPORT Collector {
   Collector& operator=(const Collector& o);
   ~Collector();
 
-  // Appends a deep copy. A full array is replaced by one with 1 more slot and copies of the
-  // variables. A null reference is traced and not added.
+  // Appends a deep copy, also of a variable of its own. A full list gets room for 1 more. A null
+  // reference is traced and not added.
   void add(const MVar& v);
 
   // Returns the value of the first variable whose name is a beginning of `name`, or 0 when there is

@@ -19,7 +19,7 @@ class ZETNORV_EXPORT CollectorErrors {
   ~CollectorErrors();
 
   // Appends a finding (see ErrorRecord for the codes). A null text is traced and counts as empty.
-  // A full array is replaced by one with 5 more slots and copies of the records.
+  // A full collector gets room for 5 more.
   void addError(int code, const char* name, const char* details);
 
   // 1 when there is no finding of code exactly 10, else 0: warnings do not count.

@@ -18,8 +18,8 @@ class ZETNORV_EXPORT Msg {
   Msg& operator=(const Msg& o);
   ~Msg();
 
-  // Appends a deep copy. A full array is replaced by one with 5 more slots and copies of the
-  // fields, so pointers to them do not outlive an add. A null reference is traced and not added.
+  // Appends a deep copy, also of a field of its own. A full message gets room for 5 more. A null
+  // reference is traced and not added.
   void add(const Composant& comp);
 
   // 1 when both have the same number of fields and each field of this message equals (see

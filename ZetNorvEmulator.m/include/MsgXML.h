@@ -17,8 +17,8 @@ class ZETNORV_EXPORT MsgXML {
   MsgXML& operator=(const MsgXML& o);
   ~MsgXML();
 
-  // Appends a deep copy. A full array is replaced by one with 5 more slots and copies of the tags,
-  // so pointers to them do not outlive an add. A null reference is traced and not added.
+  // Appends a deep copy, also of a tag of its own. A full message gets room for 5 more. A null
+  // reference is traced and not added.
   void add(const BaliseXML& balise);
 
   int getNbBalises() const { return _nbBalises; }
