@@ -9,8 +9,8 @@
 
 #include "CollectorErrors.h"
 #include "Environment.h"
+#include "FaultyFileSystem.h"
 #include "Files.h"
-#include "KelFileSystem.h"
 #include "KelLib.h"
 #include "ScratchDirectory.h"
 #include "TraceRecorder.h"
@@ -179,6 +179,35 @@ TEST_F(CollectorErrorsLogTest, AFileThatDoesNotOpenIsTraced) {
   std::filesystem::create_directory(directory.path() / "error.log");
   EXPECT_EQ(E_FAIL, write(7, "HEADtext"));
   EXPECT_EQ(Lines{"Problem with KelFOpen writeLogFile!"}, trace.texts());
+}
+
+TEST_F(CollectorErrorsLogTest, AFaultIsTracedWhereverItStrikesAndLeavesNoFileOpen) {
+  using Call = FaultyFileSystem::Call;
+  struct Case {
+    Call call;
+    const char* line;
+  };
+  for (const Case& c : {Case{Call::kOpen, "Problem with KelFOpen writeLogFile!"},
+                        Case{Call::kWrite, "Problem with KelFPuts writeLogFile!"},
+                        Case{Call::kClose, "Problem with KelFPuts writeLogFile!"}}) {
+    FaultyFileSystem files;
+    files.fail(c.call);
+    trace.clear();
+    EXPECT_EQ(E_FAIL, write(7, "HEADtext"));
+    EXPECT_EQ(1, files.faults());
+    EXPECT_EQ(0, files.openFiles());
+    EXPECT_EQ(Lines{c.line}, trace.texts());
+    EXPECT_EQ(2, trace.lines()[0].level);
+  }
+}
+
+TEST_F(CollectorErrorsLogTest, ASectionIsOneWrite) {
+  errors.addError(10, "n", "d");
+  FaultyFileSystem files;
+  // Were there a second one, it would fail.
+  files.fail(FaultyFileSystem::Call::kWrite, 2);
+  EXPECT_EQ(S_OK, write(7, "HEADtext"));
+  EXPECT_EQ(0, files.faults());
 }
 
 TEST_F(CollectorErrorsLogTest, WritingLeavesTheCollectorUnchanged) {

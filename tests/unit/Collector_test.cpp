@@ -87,6 +87,16 @@ TEST(CollectorTest, FindsByTheBeginningOfTheSearchedText) {
   }
 }
 
+TEST(CollectorTest, BytesBehindANulOfTheSearchedTextCount) {
+  Collector collector;
+  collector.add(MVar("LG", 7));
+  EXPECT_EQ(7, collector.find(MString("LG\0X", 4)));
+  EXPECT_EQ(0, collector.find(MString("\0LG", 3)));
+  collector._vars[0]->_name = MString("L\0G", 3);
+  EXPECT_EQ(7, collector.find(MString("L\0GX", 4)));
+  EXPECT_EQ(0, collector.find(MString("L\0X", 3)));
+}
+
 TEST(CollectorTest, FindsTheVariableThatWasAddedFirst) {
   Collector collector;
   collector.add(MVar("AB", 7));
