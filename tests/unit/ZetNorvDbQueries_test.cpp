@@ -5,29 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "Environment.h"
+#include "DatabaseQueries.h"
 #include "Files.h"
 #include "KelLib.h"
-#include "LoadedDatabase.h"
 #include "RecordText.h"
-#include "ScratchDirectory.h"
 #include "TraceRecorder.h"
 #include "ZetNorvDb.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
-
-constexpr unsigned char kCoidBytes[] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF};
-constexpr unsigned char kCompidBytes[] = {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x0A, 0x1B};
-
-// A row with the identifiers that the tests ask for.
-constexpr const char* kRow =
-    "0123456789ABCDEF,0000000000000A1B,PN-7,Bracket,PN-7.KelPart,3F2A,Indefini,KelPart,"
-    "2008-03-12 10:15:30,info";
-constexpr const char* kSecondRow =
-    "0123456789ABCDEF,0000000000000A1B,PN-8,Second,Reference,UUID BIDON,Reference,Reference,"
-    "2009-01-01 00:00:00,info";
 
 // A query by identifiers, as all of them behave.
 struct Query {
@@ -39,7 +24,7 @@ struct Query {
   std::function<long(KelUnicodeString&)> ask;
 };
 
-class ZetNorvDbQueriesTest : public testing::Test {
+class ZetNorvDbQueriesTest : public DatabaseQueries {
  protected:
   std::vector<Query> allQueries() {
     return {
@@ -57,32 +42,6 @@ class ZetNorvDbQueriesTest : public testing::Test {
          }},
     };
   }
-
-  // The database empty again, and the identifiers as they are in kRow.
-  void startAgain() {
-    ZetNorvDb::_database.Release();
-    out = KelUnicodeString("before");
-  }
-
-  std::string outText() const { return out.ConvertToChar(); }
-
-  // Debug mode, with its logs under the test's directory.
-  std::string debugLog() {
-    environment.set("ZETNORV_DEBUG", "SAVE");
-    environment.set("App_ErrFile", scratch.file("errors-"));
-    environment.set("ZET_LOG_NAME", "T");
-    return scratch.file("errors-T/Error/trace.log");
-  }
-
-  Environment environment;
-  ScratchDirectory scratch;
-  LoadedDatabase database;
-  ZetNorvDb queries;
-  KelDbBinary coid{kCoidBytes, 8};
-  KelDbBinary compid{kCompidBytes, 8};
-  KelUnicodeString coidText{"0123456789ABCDEF"};
-  KelUnicodeString compidText{"0000000000000A1B"};
-  KelUnicodeString out{"before"};
 };
 
 TEST_F(ZetNorvDbQueriesTest, AnswersFromTheFirstRowWithBothIdentifiers) {
@@ -245,222 +204,6 @@ TEST_F(ZetNorvDbQueriesTest, OutputMayBeOneOfTheIdentifiers) {
   EXPECT_STREQ("PN-7.KelPart", coidText.ConvertToChar());
 }
 
-TEST_F(ZetNorvDbQueriesTest, EveryModeButZeroReadsTheTimeStamp) {
-  database.add(kRow);
-  for (const int mode : {1, 2, -1}) {
-    out = KelUnicodeString("before");
-    EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, out, mode));
-    EXPECT_EQ("2008-03-12 10:15:30", outText());
-  }
-  EXPECT_STREQ("2008-03-12 10:15:30", ZetNorvDb::_database._rows[0]->_data[8].gchar());
-}
-
-TEST_F(ZetNorvDbQueriesTest, ModeZeroWritesTheTimeStampOfTheFirstRowOnly) {
-  database.add("0000000000000001,0000000000000A1B,a,b,c,d,e,f,g,h");
-  database.add(kRow);
-  database.add(kSecondRow);
-  const std::string first = rowText(ZetNorvDb::_database, 0);
-  const std::string third = rowText(ZetNorvDb::_database, 2);
-  out = KelUnicodeString("X");
-  EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, out, 0));
-  EXPECT_EQ("", outText());
-  EXPECT_EQ(3, ZetNorvDb::_database.getSize());
-  EXPECT_EQ(first, rowText(ZetNorvDb::_database, 0));
-  EXPECT_EQ(
-      "0123456789ABCDEF|0000000000000A1B|PN-7|Bracket|PN-7.KelPart|3F2A|Indefini|KelPart|X|"
-      "info",
-      rowText(ZetNorvDb::_database, 1));
-  EXPECT_EQ(third, rowText(ZetNorvDb::_database, 2));
-  EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, out, 1));
-  EXPECT_EQ("X", outText());
-}
-
-TEST_F(ZetNorvDbQueriesTest, ModeZeroTracesALineForEveryRowOfTheObject) {
-  database.add(kRow);
-  database.add("0000000000000001,0000000000000A1B,a,b,c,d,e,f,g,h");
-  database.add(kSecondRow);
-  database.add(kSecondRow, 2);
-  database.add(kSecondRow, 1);
-  database.add(kRow);
-  database.refuse(5);
-  out = KelUnicodeString("X");
-  TraceRecorder trace;
-  EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, out, 0));
-  EXPECT_EQ((Lines{"ZetNorvDb::getpathFile", "Got the timestamp", "Got the timestamp",
-                   "Got the timestamp", "Got the timestamp", ""}),
-            trace.texts());
-  for (const TraceRecorder::Line& line : trace.lines()) EXPECT_EQ(2, line.level);
-}
-
-TEST_F(ZetNorvDbQueriesTest, ModeZeroWritesAnEmptyTextToTheDebugLog) {
-  const std::string log = debugLog();
-  database.add(kRow);
-  out = KelUnicodeString("X");
-  EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, out, 0));
-  EXPECT_EQ("", readBytes(log));
-}
-
-TEST_F(ZetNorvDbQueriesTest, ModeZeroLeavesRowsWithoutATimeStampAsTheyAre) {
-  for (int fields = 2; fields <= 10; ++fields) {
-    SCOPED_TRACE(fields);
-    startAgain();
-    database.add(kRow, fields);
-    const std::string before = rowText(ZetNorvDb::_database, 0);
-    EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, out, 0));
-    EXPECT_EQ("", outText());
-    EXPECT_EQ(fields, ZetNorvDb::_database._rows[0]->getSize());
-    if (fields < 9) {
-      EXPECT_EQ(before, rowText(ZetNorvDb::_database, 0));
-    } else {
-      EXPECT_STREQ("before", ZetNorvDb::_database._rows[0]->_data[8].gchar());
-    }
-  }
-}
-
-TEST_F(ZetNorvDbQueriesTest, ModeZeroWritesTheTextUpToItsFirstLineFeed) {
-  struct Case {
-    KelUnicodeString given;
-    const char* written;
-  };
-  const Case cases[] = {{"2010-01-02\nrest", "2010-01-02"},
-                        {"\nrest", ""},
-                        {"", ""},
-                        {KelUnicodeString(), ""},
-                        {"<a>,b", "<a>,b"}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.written);
-    startAgain();
-    database.add(kRow);
-    out = c.given;
-    EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, out, 0));
-    EXPECT_STREQ(c.written, ZetNorvDb::_database._rows[0]->_data[8].gchar());
-  }
-}
-
-TEST_F(ZetNorvDbQueriesTest, ModeZeroOfAnUnknownObjectWritesNothing) {
-  database.add("0000000000000001,0000000000000A1B,a,b,c,d,e,f,g,h");
-  const std::string before = rowText(ZetNorvDb::_database, 0);
-  TraceRecorder trace;
-  EXPECT_EQ(E_FAIL, queries.emulgetTimeStamp(coidText, compidText, out, 0));
-  EXPECT_EQ("before", outText());
-  EXPECT_EQ(before, rowText(ZetNorvDb::_database, 0));
-  EXPECT_EQ((Lines{"ZetNorvDb::getpathFile"}), trace.texts());
-}
-
-TEST_F(ZetNorvDbQueriesTest, ModeZeroDoesNotWriteTheDatabaseFile) {
-  ZetNorvDb::_path = MString(scratch.file("").c_str());
-  database.add(kRow);
-  out = KelUnicodeString("X");
-  EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, out, 0));
-  EXPECT_EQ(Lines{}, namesIn(scratch.file("")));
-}
-
-TEST_F(ZetNorvDbQueriesTest, ReadsTheTimeStampAsATime) {
-  struct Case {
-    const char* name;
-    const char* timeStamp;
-    std::vector<int> expected;
-  };
-  const Case cases[] = {
-      {"whole", "2008-03-12 10:15:30", {2008, 3, 12, 10, 15, 30}},
-      {"any separators", "2007/05/03-10x12.59", {2007, 5, 3, 10, 12, 59}},
-      {"text behind it", "2008-03-12 10:15:30.999", {2008, 3, 12, 10, 15, 30}},
-      {"only a date", "2008-03-12", {2008, 3, 12, 0, 0, 0}},
-      {"empty", "", {0, 0, 0, 0, 0, 0}},
-      {"no numbers", "abcd-ef-gh ij:kl:mn", {0, 0, 0, 0, 0, 0}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    startAgain();
-    database.add(kRow);
-    database.set(0, 8, MString(c.timeStamp));
-    KelTime* time = nullptr;
-    ASSERT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, &time, 1));
-    ASSERT_NE(nullptr, time);
-    EXPECT_EQ(c.expected,
-              (std::vector<int>{time->GetYear(), time->GetMonth(), time->GetDay(), time->GetHour(),
-                                time->GetMinute(), time->GetSecond()}));
-  }
-}
-
-TEST_F(ZetNorvDbQueriesTest, TimeVariantTracesAndLogsAsTheTextVariant) {
-  const std::string log = debugLog();
-  database.add(kRow);
-  KelTime* time = nullptr;
-  TraceRecorder trace;
-  EXPECT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, &time, 1));
-  const Lines lines = trace.texts();
-  ASSERT_LE(3u, lines.size());
-  EXPECT_EQ((Lines{"ZetNorvDb::getpathFile", "Got the timestamp", "2008-03-12 10:15:30"}),
-            Lines(lines.begin(), lines.begin() + 3));
-  EXPECT_EQ("2008-03-12 10:15:30", readBytes(log));
-}
-
-TEST_F(ZetNorvDbQueriesTest, TimeVariantWithModeZeroClearsTheTimeStamp) {
-  database.add(kRow);
-  KelTime* time = nullptr;
-  ASSERT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, &time, 0));
-  ASSERT_NE(nullptr, time);
-  EXPECT_EQ(0, time->GetYear());
-  EXPECT_EQ(0, time->GetSecond());
-  EXPECT_STREQ("", ZetNorvDb::_database._rows[0]->_data[8].gchar());
-}
-
-TEST_F(ZetNorvDbQueriesTest, TimeStaysUsableBehindTheCallsOfOtherQueries) {
-  database.add(kRow);
-  KelTime* time = nullptr;
-  ASSERT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, &time, 1));
-  for (const Query& query : allQueries()) query.ask(out);
-  EXPECT_EQ(2008, time->GetYear());
-  EXPECT_EQ(30, time->GetSecond());
-}
-
-TEST_F(ZetNorvDbQueriesTest, TimeOfAnUnknownObjectIsUntouched) {
-  KelTime mine(1, 2, 3, 4, 5, 6);
-  for (const int mode : {0, 1}) {
-    KelTime* time = &mine;
-    TraceRecorder trace;
-    EXPECT_EQ(E_FAIL, queries.emulgetTimeStamp(coidText, compidText, &time, mode));
-    EXPECT_EQ(&mine, time);
-    EXPECT_EQ((Lines{"ZetNorvDb::getpathFile"}), trace.texts());
-  }
-}
-
-TEST_F(ZetNorvDbQueriesTest, TimeWithoutAPlaceForItIsRefused) {
-  database.add(kRow);
-  TraceRecorder trace;
-  EXPECT_EQ(E_FAIL,
-            queries.emulgetTimeStamp(coidText, compidText, static_cast<KelTime**>(nullptr), 0));
-  EXPECT_EQ((Lines{"ZetNorvDb::emulgetTimeStamp: time == NULL"}), trace.texts());
-  EXPECT_STREQ("2008-03-12 10:15:30", ZetNorvDb::_database._rows[0]->_data[8].gchar());
-}
-
-// The queries that construct the database read its file when nobody has before.
-class ZetNorvDbQueriesLoadTest : public ZetNorvDbQueriesTest {
- protected:
-  void SetUp() override {
-    ZetNorvDb::_path = MString();
-    environment.set("ZETNORV_MODE", "REPLAY");
-    environment.set("BIX_ZET_IN", scratch.file("in"));
-    environment.set("ZET_LOG_NAME", "T");
-    writeBytes(scratch.file("in/T.rec/Scenario/database.txt"),
-               "<0123456789ABCDEF><0000000000000A1B><PN-7><Bracket><C:/work/PN-7.KelPart><3F2A>"
-               "<Indefini><KelPart><2008-03-12 10:15:30>\n");
-  }
-};
-
-TEST_F(ZetNorvDbQueriesLoadTest, TimeVariantLoadsTheDatabase) {
-  KelTime* time = nullptr;
-  ASSERT_EQ(S_OK, queries.emulgetTimeStamp(coidText, compidText, &time, 1));
-  EXPECT_EQ(2008, time->GetYear());
-}
-
-TEST_F(ZetNorvDbQueriesLoadTest, FindLoadsTheDatabase) {
-  MString pathFile;
-  EXPECT_EQ(0, queries.Find("C:/work/PN-7.KelPart", pathFile));
-  EXPECT_STREQ("C:/work/PN-7.KelPart", pathFile.gchar());
-}
-
 TEST_F(ZetNorvDbQueriesTest, FindsTheFirstStoredPathThatIsABeginning) {
   struct Case {
     const char* path;
@@ -540,6 +283,13 @@ TEST_F(ZetNorvDbQueriesTest, GetRecordSearchesTheDatabase) {
   EXPECT_EQ(E_FAIL, queries.getRecord("name", "other", record, 0));
   EXPECT_EQ(E_FAIL, queries.getRecord("unknown", "Bracket", record, 0));
   EXPECT_TRUE(trace.lines().empty());
+}
+
+TEST_F(ZetNorvDbQueriesTest, FindLoadsTheDatabase) {
+  storeForLoading();
+  MString pathFile;
+  EXPECT_EQ(0, queries.Find("C:/work/PN-7.KelPart", pathFile));
+  EXPECT_STREQ("C:/work/PN-7.KelPart", pathFile.gchar());
 }
 
 }  // namespace
