@@ -17,7 +17,8 @@ constexpr int kIncrement = 15;
 int DataBalise::_nbInstances = 0;
 
 DataBalise::DataBalise(const char* tagName, const char* fatherName)
-    : name(tagName), father(fatherName), _attributs(zetnorv::newSlots<DataAttribut>(_capacity)) {
+    : name(tagName), father(fatherName) {
+  _attributs = zetnorv::newSlots<DataAttribut>(_capacity);
   ++_nbInstances;
 }
 
