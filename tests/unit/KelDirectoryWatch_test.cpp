@@ -341,11 +341,33 @@ TEST_F(KelDirectoryWatchTest, AWatchOutlivesTheFileSystemItStartedOn) {
   EXPECT_EQ(other.count("StopWatch"), 0);
 }
 
-// The process that a host forks reads its own changes and leaves its parent's alone.
+// Replaces the directory just before a watch of it starts.
+class SwappingFileSystem : public FileSystemSpy {
+ public:
+  long StartWatch(const std::string& path, int* watch) override {
+    if (count("StartWatch") == 0) {
+      fs::rename(path, path + ".old");
+      fs::create_directory(path);
+    }
+    return FileSystemSpy::StartWatch(path, watch);
+  }
+};
+
+TEST_F(KelDirectoryWatchTest, ADirectoryReplacedWhileTheWatchStartsIsAChange) {
+  SwappingFileSystem files;
+  const auto watched = watch(directory);
+  EXPECT_TRUE(watched->Changed());
+  EXPECT_FALSE(watched->Changed());
+  writeBytes(in("file"), "bytes");
+  fs::remove(in("file"));
+  EXPECT_TRUE(watched->Changed());
+}
+
+// A process that a host forks has its own notes and leaves its parent's alone.
 TEST_F(KelDirectoryWatchDeathTest, AForkedProcessTakesNothingFromItsParent) {
   writeBytes(in("one"), "1");
   writeBytes(in("two"), "2");
-  auto watched = watch(directory);
+  const auto watched = watch(directory);
   fs::remove(in("one"));
   EXPECT_EXIT(
       {
@@ -353,13 +375,24 @@ TEST_F(KelDirectoryWatchDeathTest, AForkedProcessTakesNothingFromItsParent) {
         const bool second = watched->Changed();
         fs::remove(in("two"));
         const bool third = watched->Changed();
-        watched.reset();
         std::_Exit(first && !second && third ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
   EXPECT_TRUE(watched->Changed());
   EXPECT_FALSE(watched->Changed());
-  writeBytes(in("three"), "3");
-  fs::remove(in("three"));
+}
+
+TEST_F(KelDirectoryWatchDeathTest, AForkedProcessStopsNoWatchOfItsParent) {
+  auto watched = watch(directory);
+  EXPECT_FALSE(watched->Changed());
+  EXPECT_EXIT(
+      {
+        watched.reset();
+        std::_Exit(0);
+      },
+      testing::ExitedWithCode(0), "");
+  EXPECT_FALSE(watched->Changed());
+  writeBytes(in("file"), "bytes");
+  fs::remove(in("file"));
   EXPECT_TRUE(watched->Changed());
 }

@@ -144,6 +144,7 @@ TEST_F(KelFileTest, ADeviceTakesWhatIsWrittenAndHasNothingToRead) {
   }
   const int full = open(fullDevice(), "a+");
   EXPECT_EQ(KelFEof(full), 0);
+  EXPECT_EQ(read(full, 10), "");
   EXPECT_EQ(KelFClose(full), S_OK);
 }
 
@@ -507,12 +508,14 @@ TEST_F(KelFileTest, WriteRefusesANegativeNumber) {
 }
 
 TEST_F(KelFileTest, WriteToAFileOpenForReadingFails) {
+  FileSystemSpy files;
   const int descriptor = openOn("bytes", "r");
   int count = 77;
   EXPECT_EQ(KelFPuts("text", descriptor, &count), E_FAIL);
   EXPECT_EQ(count, 0);
   EXPECT_EQ(KelFWrite(descriptor, "text", 4, nullptr), E_FAIL);
   EXPECT_EQ(KelFClose(descriptor), S_OK);
+  EXPECT_EQ(files.count("Write"), 0);
   EXPECT_EQ(readBytes(path), "bytes");
 }
 
