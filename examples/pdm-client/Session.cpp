@@ -33,22 +33,6 @@ std::string hookRemark(const Answer& answer) {
   return answer.answerHookFailed ? "answer hook failed" : "";
 }
 
-void writeLine(std::ostream& log, const StepReport& report) {
-  char line[160];
-  if (report.operation == 0) {
-    std::snprintf(line, sizeof line, "step %4d  snapshot  %6d bytes %s", report.step, report.sent,
-                  report.what.c_str());
-  } else {
-    std::snprintf(line, sizeof line,
-                  "step %4d  operation %3d  sent %6d  received %6d  status %d  from %-9s",
-                  report.step, report.operation, report.sent, report.received, report.status,
-                  report.what.c_str());
-  }
-  log << line << "  " << (report.problem.empty() ? "usable" : "PROBLEM: " + report.problem);
-  if (!report.remark.empty()) log << "  (" << report.remark << ')';
-  log << '\n';
-}
-
 StepReport playSnapshot(int step, int number) {
   const SnapshotResult result = takeSnapshot(number);
   StepReport report;
@@ -60,6 +44,22 @@ StepReport playSnapshot(int step, int number) {
 }
 
 }  // namespace
+
+void printStep(std::ostream& out, const StepReport& report) {
+  char line[160];
+  if (report.operation == 0) {
+    std::snprintf(line, sizeof line, "step %4d  snapshot  %6d bytes %s", report.step, report.sent,
+                  report.what.c_str());
+  } else {
+    std::snprintf(line, sizeof line,
+                  "step %4d  operation %3d  sent %6d  received %6d  status %d  from %-9s",
+                  report.step, report.operation, report.sent, report.received, report.status,
+                  report.what.c_str());
+  }
+  out << line << "  " << (report.problem.empty() ? "usable" : "PROBLEM: " + report.problem);
+  if (!report.remark.empty()) out << "  (" << report.remark << ')';
+  out << '\n';
+}
 
 Session::Session(SessionOptions options)
     : _options(normalised(std::move(options))),
@@ -82,7 +82,7 @@ std::vector<StepReport> Session::run() {
   std::vector<StepReport> reports;
   for (int step = 1; static_cast<std::size_t>(step) <= _plan.size(); ++step) {
     reports.push_back(play(step));
-    if (_options.log != nullptr) writeLine(*_options.log, reports.back());
+    if (_options.log != nullptr) printStep(*_options.log, reports.back());
   }
   return reports;
 }

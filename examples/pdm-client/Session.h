@@ -43,6 +43,9 @@ struct StepReport {
   std::string problem;  // empty when the client can work with what it got
 };
 
+// Prints a line about the step.
+void printStep(std::ostream& out, const StepReport& report);
+
 class Session {
  public:
   explicit Session(SessionOptions options);

@@ -1,5 +1,4 @@
 // A small CAD client that works with a PDM server through hooks that record and replay.
-#include <algorithm>
 #include <exception>
 #include <iostream>
 
@@ -16,8 +15,12 @@ constexpr int kBadUsage = 2;
 int play(const pdm::CommandLine& line) {
   pdm::Session session(line.session);
   const auto reports = session.run();
-  const auto problems = std::count_if(reports.begin(), reports.end(),
-                                      [](const auto& report) { return !report.problem.empty(); });
+  int problems = 0;
+  for (const pdm::StepReport& report : reports) {
+    if (report.problem.empty()) continue;
+    ++problems;
+    if (line.quiet) pdm::printStep(std::cout, report);
+  }
   if (line.queries) pdm::askDatabase(session.knownObjects(), std::cout);
   std::cout << reports.size() << " steps, " << problems << " with a problem\n";
   return problems == 0 ? kWorked : kDidNotWork;
