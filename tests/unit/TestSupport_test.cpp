@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ConsoleCapture.h"
@@ -172,6 +173,35 @@ TEST_F(FaultyFileSystemTest, FailsEachKindOfCall) {
   _fileSystem.fail(Call::kFindDirectory, 1, FaultyFileSystem::Times::kAlways);
   EXPECT_NE(KelCreateDirectory(_scratch.path().wstring().c_str()), KelLibSucces);
   EXPECT_TRUE(exists(_scratch.file("file")));
+}
+
+TEST_F(FaultyFileSystemTest, TellsTheKindsOfOpeningApart) {
+  const std::pair<Call, const char*> kinds[] = {
+      {Call::kOpenWrite, "w"}, {Call::kOpenRead, "r"}, {Call::kOpenAppend, "a+"}};
+  writeBytes(_scratch.file("file"), "x");
+  for (const auto& [call, failing] : kinds) {
+    _fileSystem.fail(call);
+    for (const auto& [other, mode] : kinds) {
+      if (other == call) continue;
+      int descriptor = 0;
+      EXPECT_EQ(KelFOpen(_name.c_str(), mode, &descriptor), S_OK) << mode;
+      EXPECT_EQ(KelFClose(descriptor), S_OK);
+    }
+    int descriptor = 0;
+    EXPECT_EQ(KelFOpen(_name.c_str(), failing, &descriptor), E_FAIL) << failing;
+  }
+}
+
+TEST_F(FaultyFileSystemTest, FullDiskTakesHalfAWriteAndNoMore) {
+  int descriptor = 0;
+  int count = 0;
+  ASSERT_EQ(KelFOpen(_name.c_str(), "w", &descriptor), S_OK);
+  _fileSystem.fillDiskAtWrite(2);
+  EXPECT_EQ(KelFWrite(descriptor, "ab", 2, &count), S_OK);
+  EXPECT_EQ(KelFWrite(descriptor, "cdef", 4, &count), E_FAIL);
+  EXPECT_EQ(KelFWrite(descriptor, "g", 1, &count), E_FAIL);
+  EXPECT_EQ(KelFClose(descriptor), S_OK);
+  EXPECT_EQ(readBytes(_scratch.file("file")), "abcd");
 }
 
 TEST(FaultyFileSystemLifeTest, LeavesTheFileSystemAsItFoundIt) {
