@@ -59,11 +59,11 @@ class BorrowedScanner {
 };
 
 std::shared_ptr<KelXmlTree> Parse(std::string_view source) {
-  const std::string_view text = DocumentIn(source);
-  auto tree =
-      std::make_shared<KelXmlTree>(2 * text.size(), kTreeMemory + kTreeMemoryPerByte * text.size());
+  const KelXmlSource document(source);
+  const std::size_t size = document.text().size();
+  auto tree = std::make_shared<KelXmlTree>(2 * size, kTreeMemory + kTreeMemoryPerByte * size);
   BorrowedScanner scanner;
-  scanner->Scan(text, *tree);
+  scanner->Scan(document, *tree);
   tree->LiftLimit();
   return tree;
 }

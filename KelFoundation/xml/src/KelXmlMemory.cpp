@@ -127,9 +127,12 @@ KelXmlMemory::Header* KelXmlMemory::Take(std::size_t sizeClass, std::size_t size
     return header;
   }
   void* memory = KelXmlBlocks::Get(sizeof(Header) + size);
-  return memory == nullptr ? nullptr : new (memory) Header{nullptr, nullptr, size, sizeClass};
+  if (memory == nullptr) return nullptr;
+  _held += size;
+  return new (memory) Header{nullptr, nullptr, size, sizeClass};
 }
 
 void KelXmlMemory::Drop(Header* header) {
+  _held -= header->size;
   KelXmlBlocks::Release(header, sizeof(Header) + header->size);
 }

@@ -30,8 +30,8 @@ class KelXmlMemory : public xercesc::MemoryManager {
   // Throws the KelXmlFailure that belongs to it, when the bound has been reached since Begin.
   void ExplainBound() const;
 
-  // The bytes in use.
-  std::size_t InUse() const { return _inUse; }
+  // The bytes in use and those kept for reuse.
+  std::size_t Held() const { return _held; }
 
   // Throws xercesc::OutOfMemoryException at the bound and when there is no memory, and a
   // KelXmlFailure when too many entities are read.
@@ -62,12 +62,13 @@ class KelXmlMemory : public xercesc::MemoryManager {
   void CountEntity();
   void CheckBound(std::size_t size);
   Header* Take(std::size_t sizeClass, std::size_t size);
-  static void Drop(Header* header);
+  void Drop(Header* header);
 
   std::array<Header*, kClasses> _free{};
   // All pieces in use.
   Header* _used = nullptr;
   std::size_t _inUse = 0;
+  std::size_t _held = 0;
   std::size_t _limit = std::numeric_limits<std::size_t>::max();
   std::size_t _entitiesLeft = std::numeric_limits<std::size_t>::max();
   const xercesc::Locator* _locator = nullptr;

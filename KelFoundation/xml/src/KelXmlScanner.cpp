@@ -1,12 +1,12 @@
 #include "KelXmlScanner.h"
 
-#include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/internal/XMLScannerResolver.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include "KelXmlFailure.h"
+#include "KelXmlInput.h"
 #include "KelXmlUtf8.h"
 
 namespace {
@@ -72,11 +72,12 @@ void KelXmlScanner::Configure() {
   _scanner->setSecurityManager(&_security);
 }
 
-void KelXmlScanner::Scan(std::string_view text, KelXmlTree& tree) {
-  const ScanBounds bounds(_memory, kMemory + kMemoryPerByte * text.size(), *_scanner->getLocator());
-  _builder.Begin(tree, *_scanner);
+void KelXmlScanner::Scan(const KelXmlSource& document, KelXmlTree& tree) {
+  const ScanBounds bounds(_memory, kMemory + kMemoryPerByte * document.text().size(),
+                          *_scanner->getLocator());
+  _builder.Begin(tree, *_scanner, document.unitSize());
   try {
-    Run(text);
+    Run(document);
   } catch (const xercesc::OutOfMemoryException&) {
     _outOfMemory = true;
     _memory.ExplainBound();
@@ -85,15 +86,15 @@ void KelXmlScanner::Scan(std::string_view text, KelXmlTree& tree) {
   if (!_builder.IsDone()) throw KelXmlFailure("the document ends too early");
 }
 
-void KelXmlScanner::Run(std::string_view text) {
-  static const XMLCh kName[] = {'d', 'o', 'c', 'u', 'm', 'e', 'n', 't', 0};
-  xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
-                                    kName, false, &_memory);
-  source.setCopyBufToStream(false);
-  _scanner->scanDocument(source);
+void KelXmlScanner::Run(const KelXmlSource& document) {
+  const KelXmlInput input(document, _memory);
+  _scanner->scanDocument(input);
 }
 
-bool KelXmlScanner::IsReusable() const { return !_outOfMemory && _memory.InUse() <= kKeptMemory; }
+bool KelXmlScanner::IsReusable() const {
+  return !_outOfMemory && _memory.Held() <= kKeptMemory &&
+         _scanner->getXMLVersion() == xercesc::XMLReader::XMLV1_0;
+}
 
 void KelXmlScanner::error(unsigned int, const XMLCh*, ErrTypes type, const XMLCh* text,
                           const XMLCh*, const XMLCh*, XMLFileLoc line, XMLFileLoc column) {

@@ -4,7 +4,6 @@
 // and a document costs no more memory than its text and its nodes.
 #pragma once
 
-#include <string_view>
 #include <xercesc/framework/XMLEntityHandler.hpp>
 #include <xercesc/framework/XMLErrorReporter.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
@@ -12,6 +11,7 @@
 #include <xercesc/validators/common/GrammarResolver.hpp>
 
 #include "KelXmlMemory.h"
+#include "KelXmlSource.h"
 #include "KelXmlTree.h"
 #include "KelXmlTreeBuilder.h"
 
@@ -22,12 +22,13 @@ class KelXmlScanner : private xercesc::XMLErrorReporter, private xercesc::XMLEnt
   KelXmlScanner(const KelXmlScanner&) = delete;
   KelXmlScanner& operator=(const KelXmlScanner&) = delete;
 
-  // Reads the document `text` into the empty `tree`. Throws a KelXmlFailure when it is refused, and
+  // Reads `document` into the empty `tree`. Throws a KelXmlFailure when it is refused, and
   // whatever the scanner throws.
-  void Scan(std::string_view text, KelXmlTree& tree);
+  void Scan(const KelXmlSource& document, KelXmlTree& tree);
 
   // Whether another document should be read with it: not when it ran out of memory in the middle
-  // of its work, and not when it holds on to much.
+  // of its work, not when it holds on to much, and not after XML 1.1, which it would keep to where
+  // the next document does not say.
   bool IsReusable() const;
 
  private:
@@ -43,7 +44,7 @@ class KelXmlScanner : private xercesc::XMLErrorReporter, private xercesc::XMLEnt
   void resetEntities() override {}
 
   void Configure();
-  void Run(std::string_view text);
+  void Run(const KelXmlSource& document);
 
   // First, so that it goes last: all that follows lives in it.
   KelXmlMemory _memory;

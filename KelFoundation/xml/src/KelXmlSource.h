@@ -1,9 +1,26 @@
-// What is looked at in a source before the parser sees it.
+// The document in a source, looked at before the parser sees it.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
-// The document in `source`: without the NUL characters behind it. Throws a KelXmlFailure for what
-// the parser would pass over: no document at all, a NUL inside, and a last character that is cut or
-// that cannot end a document.
-std::string_view DocumentIn(std::string_view source);
+class KelXmlSource {
+ public:
+  // Finds the document in `source`, which is borrowed: it is followed by nothing but NUL
+  // characters. Throws a KelXmlFailure for what the parser would pass over: no document at all, a
+  // NUL inside, half a character at the end.
+  explicit KelXmlSource(std::string_view source);
+
+  std::string_view text() const { return _text; }
+
+  // The bytes of one unit of the encoding: 1, 2 or 4.
+  std::size_t unitSize() const { return _unitSize; }
+
+  // Blanks in the encoding of the document, where its last characters may be cut; else empty.
+  std::string_view blanks() const { return _blanks; }
+
+ private:
+  std::string_view _text;
+  std::string_view _blanks;
+  std::size_t _unitSize;
+};

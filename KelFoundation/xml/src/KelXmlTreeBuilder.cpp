@@ -1,5 +1,6 @@
 #include "KelXmlTreeBuilder.h"
 
+#include <algorithm>
 #include <string>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
@@ -19,6 +20,15 @@ constexpr std::uint64_t kMostDeclaredAttributesSeen = 5'000'000;
 
 std::size_t Length(const XMLCh* text) { return std::char_traits<XMLCh>::length(text); }
 
+// The bytes in one unit of the encoding called `name`.
+std::size_t UnitSizeOf(std::string name) {
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+  if (name.starts_with("UTF-16") || name.find("UCS-2") != std::string::npos) return 2;
+  if (name.starts_with("UTF-32") || name.find("UCS-4") != std::string::npos) return 4;
+  return 1;
+}
+
 bool IsEmpty(const XMLCh* text) { return text == nullptr || *text == 0; }
 
 }  // namespace
@@ -34,7 +44,8 @@ void KelXmlTreeBuilder::Located(Step step) {
   }
 }
 
-void KelXmlTreeBuilder::Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner) {
+void KelXmlTreeBuilder::Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner,
+                              std::size_t unitSize) {
   _tree = &tree;
   _scanner = &scanner;
   _textName = tree.names().Intern("#text");
@@ -43,6 +54,7 @@ void KelXmlTreeBuilder::Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner) {
   _parent = tree.document();
   _last = nullptr;
   _openText = nullptr;
+  _unitSize = unitSize;
   _depth = 0;
   _declaredAttributesSeen = 0;
   _done = false;
@@ -109,10 +121,7 @@ void KelXmlTreeBuilder::XMLDecl(const XMLCh* version, const XMLCh* encoding,
   prolog.version = Text(version);
   prolog.hasEncoding = !IsEmpty(encoding);
   if (!IsEmpty(standalone)) prolog.standalone = Text(standalone);
-  if (prolog.version == "1.0" || prolog.version == "1.1") return;
-  Located([&] {
-    throw KelXmlFailure("XML " + std::string(prolog.version) + " is neither XML 1.0 nor XML 1.1");
-  });
+  Located([&] { CheckDeclaration(encoding); });
 }
 
 void KelXmlTreeBuilder::doctypeDecl(const xercesc::DTDElementDecl& root, const XMLCh* publicId,
@@ -133,6 +142,18 @@ void KelXmlTreeBuilder::endIntSubset() { InsistOnDeclaredEntities(); }
 // The scanner drops references to undeclared entities without a word once there may be declarations
 // that it has not read. Text would be missing, so they are an error here as in any other document.
 void KelXmlTreeBuilder::InsistOnDeclaredEntities() { _scanner->setHasNoDTD(true); }
+
+void KelXmlTreeBuilder::CheckDeclaration(const XMLCh* encoding) const {
+  const std::string version(_tree->prolog().version);
+  if (version != "1.0" && version != "1.1") {
+    throw KelXmlFailure("XML " + version + " is neither XML 1.0 nor XML 1.1");
+  }
+  // The scanner takes no notice of a declaration that cannot be true.
+  const std::string name = ToUtf8(encoding);
+  if (!name.empty() && UnitSizeOf(name) != _unitSize) {
+    throw KelXmlFailure("the document is not encoded in " + name);
+  }
+}
 
 void KelXmlTreeBuilder::CheckBounds(const xercesc::XMLElementDecl& declaration) {
   if (_depth >= kDeepest) throw KelXmlFailure("elements are nested deeper than 1,000");

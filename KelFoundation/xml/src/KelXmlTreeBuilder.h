@@ -11,9 +11,9 @@
 
 class KelXmlTreeBuilder : public xercesc::XMLDocumentHandler, public xercesc::DocTypeHandler {
  public:
-  // Starts over with an empty `tree` for a document that `scanner` reads. Both must outlive the
-  // scan.
-  void Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner);
+  // Starts over with an empty `tree` for a document that `scanner` reads, in an encoding whose
+  // units have `unitSize` bytes. Both must outlive the scan.
+  void Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner, std::size_t unitSize);
   // Whether the document was read to its end.
   bool IsDone() const { return _done; }
   // The scanner's events. What is refused throws a KelXmlFailure.
@@ -55,6 +55,7 @@ class KelXmlTreeBuilder : public xercesc::XMLDocumentHandler, public xercesc::Do
   void TextDecl(const XMLCh*, const XMLCh*) override {}
 
  private:
+  void CheckDeclaration(const XMLCh* encoding) const;
   void InsistOnDeclaredEntities();
   void CheckBounds(const xercesc::XMLElementDecl& declaration);
   const KelXmlName* Name(const XMLCh* name);
@@ -80,6 +81,7 @@ class KelXmlTreeBuilder : public xercesc::XMLDocumentHandler, public xercesc::Do
   KelXmlNode* _last = nullptr;
   // The text node that further characters belong to; its text is the end of the arena.
   KelXmlNode* _openText = nullptr;
+  std::size_t _unitSize = 1;
   int _depth = 0;
   std::uint64_t _declaredAttributesSeen = 0;
   bool _done = false;
