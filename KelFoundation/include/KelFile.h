@@ -32,15 +32,16 @@ KEL_FOUNDATION_EXPORT long KelFClose(int descriptor);
 // Returns E_FAIL, with the buffer as it was, at the end of the file and when nothing could be read.
 KEL_FOUNDATION_EXPORT long KelFGets(char* buffer, int n, int descriptor);
 
-// Writes the NUL-terminated `text`, whole or not at all as far as the result tells; `*count` (may
-// be null) holds the number of bytes written.
+// Writes the NUL-terminated `text`, as KelFWrite does its bytes.
 KEL_FOUNDATION_EXPORT long KelFPuts(const char* text, int descriptor, int* count);
 
 // Reads up to `n` bytes, fewer only at the end of the file; `*count` holds how many, also on
 // failure. Reading at the end of the file is S_OK with a count of 0.
 KEL_FOUNDATION_EXPORT long KelFRead(int descriptor, char* buffer, int n, int* count);
 
-// Writes `n` bytes; S_OK only when all were taken. `*count` (may be null) holds how many were.
+// Writes `n` bytes; S_OK only when all were taken. `*count` (may be null) holds how many the file
+// has of them. A file that was opened with "a+" gets all or none: what was written of them before a
+// failure (a full disk) is cut off again.
 KEL_FOUNDATION_EXPORT long KelFWrite(int descriptor, const char* buffer, int n, int* count);
 
 // Gives the file's size in bytes; E_FAIL for one above what an int holds.

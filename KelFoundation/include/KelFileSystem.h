@@ -31,6 +31,8 @@ class KEL_FOUNDATION_EXPORT KelFileSystem {
   // The handle is gone afterwards, also on failure.
   virtual long Close(int handle) = 0;
   virtual long Size(int handle, std::int64_t* size) = 0;
+  // Cuts the file that is open for writing behind its first `size` bytes.
+  virtual long Truncate(int handle, std::int64_t size) = 0;
   virtual long Stamp(const std::string& path, KelFileStamp* stamp) = 0;
   virtual long Remove(const std::string& path) = 0;
   virtual long Rename(const std::string& from, const std::string& to) = 0;

@@ -74,6 +74,9 @@ class PosixFileSystem : public KelFileSystem {
   long Write(int handle, const char* buffer, std::size_t n, std::size_t* count) override;
   long Close(int handle) override;
   long Size(int handle, std::int64_t* size) override;
+  long Truncate(int handle, std::int64_t size) override {
+    return ResultOf(Retry([&] { return ftruncate(handle, size); }));
+  }
   long Stamp(const std::string& path, KelFileStamp* stamp) override;
   long Remove(const std::string& path) override { return ResultOf(unlink(path.c_str())); }
   long Rename(const std::string& from, const std::string& to) override {

@@ -57,12 +57,24 @@ long OpenFile::Write(const char* buffer, std::size_t n, std::size_t* count) {
   if (!CanWrite()) return E_FAIL;
   while (*count < n) {
     std::size_t taken = 0;
-    if (_fileSystem->Write(_handle, buffer + *count, n - *count, &taken) != S_OK) return E_FAIL;
+    const long result = _fileSystem->Write(_handle, buffer + *count, n - *count, &taken);
     // A file system that takes nothing and reports no failure must not keep the host for ever.
-    if (taken == 0) return E_FAIL;
+    if (result != S_OK || taken == 0) {
+      TakeBack(count);
+      return E_FAIL;
+    }
     *count += taken;
   }
   return S_OK;
+}
+
+// A line that was appended in part would be read as a part of the next one, so it goes again.
+void OpenFile::TakeBack(std::size_t* count) {
+  std::int64_t size = 0;
+  if (_mode != KelFileSystem::Mode::kAppend || *count == 0) return;
+  if (_fileSystem->Size(_handle, &size) != S_OK) return;
+  const std::int64_t before = size - static_cast<std::int64_t>(*count);
+  if (before >= 0 && _fileSystem->Truncate(_handle, before) == S_OK) *count = 0;
 }
 
 bool OpenFile::HasMore() {

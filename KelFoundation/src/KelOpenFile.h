@@ -19,7 +19,8 @@ class OpenFile {
   // Reads until `n` bytes are there or the file ends; `*count` holds how many, also on failure.
   long Read(char* buffer, std::size_t n, std::size_t* count);
 
-  // Writes all `n` bytes; `*count` holds how many were taken, also on failure.
+  // Writes all `n` bytes; `*count` holds how many the file has of them, also on failure: none when
+  // it was opened to append, where a part of them is taken back.
   long Write(const char* buffer, std::size_t n, std::size_t* count);
 
   // Whether there are bytes left to read.
@@ -33,6 +34,8 @@ class OpenFile {
   bool CanRead() const { return _mode != KelFileSystem::Mode::kWrite; }
   bool CanWrite() const { return _mode != KelFileSystem::Mode::kRead; }
   std::size_t Buffered() const { return _end - _begin; }
+  // Cuts off the last `*count` bytes of a file that is appended to.
+  void TakeBack(std::size_t* count);
   // Fills the empty buffer; it stays empty at the end of the file.
   long Fill();
   // Moves the first `n` buffered bytes to `buffer`.

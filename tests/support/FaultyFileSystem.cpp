@@ -53,6 +53,10 @@ long FaultyFileSystem::Size(int handle, std::int64_t* size) {
   return fails(Call::kSize) ? E_FAIL : _before->Size(handle, size);
 }
 
+long FaultyFileSystem::Truncate(int handle, std::int64_t size) {
+  return fails(Call::kTruncate) ? E_FAIL : _before->Truncate(handle, size);
+}
+
 long FaultyFileSystem::Stamp(const std::string& path, KelFileStamp* stamp) {
   return fails(Call::kStamp) ? E_FAIL : _before->Stamp(path, stamp);
 }

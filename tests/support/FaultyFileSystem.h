@@ -17,6 +17,7 @@ class FaultyFileSystem : public KelFileSystem {
     kWrite,
     kClose,
     kSize,
+    kTruncate,
     kStamp,
     kRemove,
     kRename,
@@ -46,6 +47,7 @@ class FaultyFileSystem : public KelFileSystem {
   long Write(int handle, const char* buffer, std::size_t n, std::size_t* count) override;
   long Close(int handle) override;
   long Size(int handle, std::int64_t* size) override;
+  long Truncate(int handle, std::int64_t size) override;
   long Stamp(const std::string& path, KelFileStamp* stamp) override;
   long Remove(const std::string& path) override;
   long Rename(const std::string& from, const std::string& to) override;

@@ -48,6 +48,10 @@ long FileSystemSpy::Size(int handle, std::int64_t* size) {
   return fails("Size") ? E_FAIL : _before->Size(handle, size);
 }
 
+long FileSystemSpy::Truncate(int handle, std::int64_t size) {
+  return fails("Truncate") ? E_FAIL : _before->Truncate(handle, size);
+}
+
 long FileSystemSpy::Stamp(const std::string& path, KelFileStamp* stamp) {
   return fails("Stamp") ? E_FAIL : _before->Stamp(path, stamp);
 }

@@ -549,6 +549,32 @@ TEST_F(KelFileTest, WriteReportsWhatWasTakenBeforeItFailed) {
   KelFClose(descriptor);
 }
 
+TEST_F(KelFileTest, WhatCannotBeAppendedWholeIsTakenBack) {
+  writeBytes(path, "before\n");
+  FileSystemSpy files;
+  files.limitTransfers(3);
+  files.failFrom("Write", 3);
+  const int descriptor = open(path, "a+");
+  int count = 77;
+  EXPECT_EQ(KelFPuts("abcdefgh\n", descriptor, &count), E_FAIL);
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(readBytes(path), "before\n");
+  EXPECT_EQ(KelFClose(descriptor), S_OK);
+}
+
+TEST_F(KelFileTest, AnAppendThatCannotBeTakenBackReportsWhatTheFileHas) {
+  FileSystemSpy files;
+  files.limitTransfers(3);
+  files.failFrom("Write", 2);
+  files.failFrom("Truncate", 1);
+  const int descriptor = open(path, "a+");
+  int count = 77;
+  EXPECT_EQ(KelFPuts("abcdefgh\n", descriptor, &count), E_FAIL);
+  EXPECT_EQ(count, 3);
+  EXPECT_EQ(readBytes(path), "abc");
+  EXPECT_EQ(KelFClose(descriptor), S_OK);
+}
+
 TEST_F(KelFileTest, AFileSystemThatTakesNothingIsAFailure) {
   FileSystemSpy files;
   files.limitTransfers(0);

@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "EmulatorFixture.h"
+#include "FaultyFileSystem.h"
 #include "Files.h"
 #include "KelLib.h"
 #include "ZetNorvDb.h"
@@ -283,6 +284,47 @@ TEST_F(RecordingTest, AnAnswerFileThatCannotBeOpenedKeepsItsNameInTheLine) {
   EXPECT_EQ(receive("y", 2).result, S_OK);
   EXPECT_TRUE(trace.has("Problem with KelFOpen w!"));
   EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_0.txt><2>\n");
+}
+
+TEST_F(RecordingTest, AFullDiskLeavesNoRequestFileAndNoLine) {
+  send(request(12, "before"));
+  FaultyFileSystem files;
+  files.fillDiskAtWrite(1);
+  EXPECT_EQ(send(request(12, "lost")), E_FAIL);
+  EXPECT_TRUE(trace.has("Problem in ZetNorvEmul::save with mod.save"));
+  EXPECT_EQ(namesIn(reference()), Names{"save12_0.txt"});
+  EXPECT_EQ(readBytes(scenario("Scenario.txt")), "<12><save12_0.txt>\n");
+  EXPECT_EQ(files.openFiles(), 0);
+}
+
+TEST_F(RecordingTest, AFullDiskLeavesNoAnswerFileAndTheLineOfAnAnswerThatIsNotThere) {
+  send(request(12, "x"));
+  FaultyFileSystem files;
+  files.fail(FaultyFileSystem::Call::kWrite, 1);
+  EXPECT_EQ(receive("lost", 3).result, S_OK);
+  EXPECT_EQ(namesIn(reference()), Names{"save12_0.txt"});
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_0.txt><3>\n");
+}
+
+TEST_F(RecordingTest, AFullDiskLeavesNoHalfLine) {
+  send(request(12, "before"));
+  FaultyFileSystem files;
+  files.fillDiskAtWrite(2);
+  EXPECT_EQ(send(request(12, "without a line")), E_FAIL);
+  EXPECT_TRUE(trace.has("Problem in ZetNorvEmul::save with file.puts"));
+  EXPECT_EQ(readBytes(scenario("Scenario.txt")), "<12><save12_0.txt>\n");
+  files.fillDiskAtWrite(2);
+  EXPECT_EQ(receive("answer").result, E_FAIL);
+  EXPECT_TRUE(trace.has("Problem with KelFPuts (Cf. SaveAnswer)!"));
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "");
+}
+
+TEST_F(RecordingTest, AFileThatCannotBeClosedIsNotRecorded) {
+  FaultyFileSystem files;
+  files.fail(FaultyFileSystem::Call::kClose, 1);
+  EXPECT_EQ(send(request(12, "lost")), E_FAIL);
+  EXPECT_EQ(namesIn(reference()), Names{});
+  EXPECT_EQ(readBytes(scenario("Scenario.txt")), "");
 }
 
 TEST_F(RecordingTest, ARequestOf321StagesItsDocument) {
