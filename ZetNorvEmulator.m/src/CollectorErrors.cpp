@@ -28,9 +28,11 @@ void printRecord(const ErrorRecord& record) {
   record.details.println();
 }
 
-// "%02d" for any int.
+// The number with two digits at least.
 std::string twoDigits(int number) {
-  return number >= 0 && number < 10 ? "0" + std::to_string(number) : std::to_string(number);
+  std::string digits = std::to_string(number);
+  if (digits.size() < 2) digits.insert(digits.begin(), '0');
+  return digits;
 }
 
 // The text of the message behind its header, up to its first NUL.
@@ -42,14 +44,15 @@ std::string messageText(const char* buffer, int size) {
 // The section of one run. A missing record has no line, and the ones behind it keep their numbers.
 std::string sectionOf(const CollectorErrors& findings, int messageNumber, const char* buffer,
                       int size) {
-  std::string text = "\n###########   Message " + twoDigits(messageNumber) + " \n";
-  text += "\n## Taille " + std::to_string(size) + " \n## Buf:\n";
-  text += messageText(buffer, size);
-  text += "\n## Fin buf\n";
+  std::string text;
+  text.append("\n###########   Message ").append(twoDigits(messageNumber)).append(" \n");
+  text.append("\n## Taille ").append(std::to_string(size)).append(" \n## Buf:\n");
+  text.append(messageText(buffer, size)).append("\n## Fin buf\n");
   for (int i = 0; i < findings._nbRecords; ++i) {
     const ErrorRecord* record = findings._records[i];
     if (record == nullptr) continue;
-    text += std::to_string(findings._messageNumber) + " - " + std::to_string(i) + " ";
+    text.append(std::to_string(findings._messageNumber)).append(" - ");
+    text.append(std::to_string(i)).append(" ");
     text.append(textOf(record->name)).append(" ");
     text.append(textOf(record->details)).append("\n");
   }
