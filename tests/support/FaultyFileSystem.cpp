@@ -1,5 +1,7 @@
 #include "FaultyFileSystem.h"
 
+#include <algorithm>
+
 #include "KelLib.h"
 
 FaultyFileSystem::FaultyFileSystem() : _before(KelFileSystem::Install(this)) {}
@@ -17,6 +19,15 @@ bool FaultyFileSystem::fails(Call call) {
   return true;
 }
 
+bool FaultyFileSystem::meets(Call call) {
+  _calls.push_back(call);
+  return fails(call);
+}
+
+int FaultyFileSystem::count(Call call) const {
+  return static_cast<int>(std::count(_calls.begin(), _calls.end(), call));
+}
+
 void FaultyFileSystem::fillDiskAtWrite(int nth) {
   fail(Call::kWrite, nth, Times::kAlways);
   _halfTaken = false;
@@ -26,18 +37,18 @@ long FaultyFileSystem::Open(const std::string& path, Mode mode, int* handle) {
   const Call call = mode == Mode::kRead    ? Call::kOpenRead
                     : mode == Mode::kWrite ? Call::kOpenWrite
                                            : Call::kOpenAppend;
-  if (fails(Call::kOpen) || fails(call)) return E_FAIL;
+  if (meets(Call::kOpen) || fails(call)) return E_FAIL;
   const long result = _before->Open(path, mode, handle);
   if (result == S_OK) ++_openFiles;
   return result;
 }
 
 long FaultyFileSystem::Read(int handle, char* buffer, std::size_t n, std::size_t* count) {
-  return fails(Call::kRead) ? E_FAIL : _before->Read(handle, buffer, n, count);
+  return meets(Call::kRead) ? E_FAIL : _before->Read(handle, buffer, std::min(n, _most), count);
 }
 
 long FaultyFileSystem::Write(int handle, const char* buffer, std::size_t n, std::size_t* count) {
-  if (!fails(Call::kWrite)) return _before->Write(handle, buffer, n, count);
+  if (!meets(Call::kWrite)) return _before->Write(handle, buffer, std::min(n, _most), count);
   if (_halfTaken) return E_FAIL;
   _halfTaken = true;
   return _before->Write(handle, buffer, n / 2, count);
@@ -46,43 +57,46 @@ long FaultyFileSystem::Write(int handle, const char* buffer, std::size_t n, std:
 long FaultyFileSystem::Close(int handle) {
   --_openFiles;
   const long result = _before->Close(handle);
-  return fails(Call::kClose) ? E_FAIL : result;
+  return meets(Call::kClose) ? E_FAIL : result;
 }
 
 long FaultyFileSystem::Size(int handle, std::int64_t* size) {
-  return fails(Call::kSize) ? E_FAIL : _before->Size(handle, size);
+  return meets(Call::kSize) ? E_FAIL : _before->Size(handle, size);
 }
 
 long FaultyFileSystem::Truncate(int handle, std::int64_t size) {
-  return fails(Call::kTruncate) ? E_FAIL : _before->Truncate(handle, size);
+  return meets(Call::kTruncate) ? E_FAIL : _before->Truncate(handle, size);
 }
 
 long FaultyFileSystem::Stamp(const std::string& path, KelFileStamp* stamp) {
-  return fails(Call::kStamp) ? E_FAIL : _before->Stamp(path, stamp);
+  return meets(Call::kStamp) ? E_FAIL : _before->Stamp(path, stamp);
 }
 
 long FaultyFileSystem::Remove(const std::string& path) {
-  return fails(Call::kRemove) ? E_FAIL : _before->Remove(path);
+  return meets(Call::kRemove) ? E_FAIL : _before->Remove(path);
 }
 
 long FaultyFileSystem::Rename(const std::string& from, const std::string& to) {
-  return fails(Call::kRename) ? E_FAIL : _before->Rename(from, to);
+  return meets(Call::kRename) ? E_FAIL : _before->Rename(from, to);
 }
 
 long FaultyFileSystem::MakeDirectory(const std::string& path) {
-  return fails(Call::kMakeDirectory) ? E_FAIL : _before->MakeDirectory(path);
+  return meets(Call::kMakeDirectory) ? E_FAIL : _before->MakeDirectory(path);
 }
 
 long FaultyFileSystem::FindDirectory(const std::string& path, KelFileStamp* identity) {
-  return fails(Call::kFindDirectory) ? E_FAIL : _before->FindDirectory(path, identity);
+  return meets(Call::kFindDirectory) ? E_FAIL : _before->FindDirectory(path, identity);
 }
 
 long FaultyFileSystem::StartWatch(const std::string& path, int* watch) {
-  return _before->StartWatch(path, watch);
+  return meets(Call::kStartWatch) ? E_FAIL : _before->StartWatch(path, watch);
 }
 
 long FaultyFileSystem::PollWatch(int watch, bool* changed) {
-  return _before->PollWatch(watch, changed);
+  return meets(Call::kPollWatch) ? E_FAIL : _before->PollWatch(watch, changed);
 }
 
-void FaultyFileSystem::StopWatch(int watch) { _before->StopWatch(watch); }
+void FaultyFileSystem::StopWatch(int watch) {
+  _calls.push_back(Call::kStopWatch);
+  _before->StopWatch(watch);
+}

@@ -1,8 +1,12 @@
-// The operating system's file system with faults where a test wants them. In use while it lives.
+// The operating system's file system with faults where a test wants them, and a note of every call.
+// In use while it lives.
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "KelFileSystem.h"
 
@@ -23,6 +27,9 @@ class FaultyFileSystem : public KelFileSystem {
     kRename,
     kMakeDirectory,
     kFindDirectory,
+    kStartWatch,
+    kPollWatch,
+    kStopWatch,  // noted only: it cannot fail
   };
   enum class Times { kOnce, kAlways };
 
@@ -37,6 +44,14 @@ class FaultyFileSystem : public KelFileSystem {
   // Makes the `nth` of the following writes take half of its bytes and all behind it fail: a disk
   // that is full.
   void fillDiskAtWrite(int nth = 1);
+  // Lets one read or write move at most `most` bytes.
+  void limitTransfers(std::size_t most) { _most = most; }
+
+  // The calls since, in order, those that failed included; a file's opening in any mode is kOpen.
+  const std::vector<Call>& calls() const { return _calls; }
+  int count(Call call) const;
+  void forgetCalls() { _calls.clear(); }
+
   // How many calls were made to fail.
   int faults() const { return _faults; }
   // How many files were opened since and are not closed.
@@ -65,8 +80,12 @@ class FaultyFileSystem : public KelFileSystem {
 
   // Whether this call of the kind `call` is to fail.
   bool fails(Call call);
+  // The same, and notes the call.
+  bool meets(Call call);
 
   std::map<Call, Fault> _planned;
+  std::vector<Call> _calls;
+  std::size_t _most = std::numeric_limits<std::size_t>::max();
   bool _halfTaken = true;  // the last write before a full disk
   int _faults = 0;
   int _openFiles = 0;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "Environment.h"
-#include "FileSystemSpy.h"
+#include "FaultyFileSystem.h"
 #include "Files.h"
 #include "KelDirectory.h"
 #include "KelFile.h"
@@ -17,6 +17,10 @@
 #include "ScratchDirectory.h"
 
 namespace fs = std::filesystem;
+
+using Call = FaultyFileSystem::Call;
+using Calls = std::vector<Call>;
+using Times = FaultyFileSystem::Times;
 
 namespace {
 
@@ -274,43 +278,43 @@ TEST_F(KelDirectoryWatchTest, ChangesThatTheSystemHadNoRoomForAreChanges) {
 }
 
 TEST_F(KelDirectoryWatchTest, AQuietDirectoryCostsTwoCalls) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   const auto watched = watch(directory);
   files.forgetCalls();
   EXPECT_FALSE(watched->Changed());
-  EXPECT_EQ(files.calls(), (std::vector<std::string>{"FindDirectory", "PollWatch"}));
+  EXPECT_EQ(files.calls(), (Calls{Call::kFindDirectory, Call::kPollWatch}));
 }
 
 TEST_F(KelDirectoryWatchTest, AWatchThatIsRefusedReportsAChange) {
-  FileSystemSpy files;
-  files.failFrom("StartWatch", 1);
+  FaultyFileSystem files;
+  files.fail(Call::kStartWatch, 1, Times::kAlways);
   const auto watched = watch(directory);
   EXPECT_TRUE(watched->Changed());
   EXPECT_TRUE(watched->Changed());
 }
 
 TEST_F(KelDirectoryWatchTest, AWatchThatIsRefusedOnceIsStartedAgain) {
-  FileSystemSpy files;
-  files.failOnce("StartWatch", 1);
+  FaultyFileSystem files;
+  files.fail(Call::kStartWatch);
   const auto watched = watch(directory);
   EXPECT_TRUE(watched->Changed());
   EXPECT_FALSE(watched->Changed());
 }
 
 TEST_F(KelDirectoryWatchTest, AnyCallThatFailsIsAChangeAndNoLeak) {
-  for (const char* call : {"FindDirectory", "StartWatch", "PollWatch"}) {
+  for (const Call call : {Call::kFindDirectory, Call::kStartWatch, Call::kPollWatch}) {
     for (int nth = 1; nth <= 4; ++nth) {
-      SCOPED_TRACE(call + std::to_string(nth));
-      FileSystemSpy files;
-      files.failOnce(call, nth);
+      SCOPED_TRACE(static_cast<int>(call) * 100 + nth);
+      FaultyFileSystem files;
+      files.fail(call, nth);
       auto watched = watch(directory);
       bool reported = false;
       for (int i = 0; i < 5; ++i) reported |= watched->Changed();
-      EXPECT_EQ(reported, files.metFault());
+      EXPECT_EQ(reported, files.faults() > 0);
       EXPECT_FALSE(watched->Changed());
       watched.reset();
-      const int refused = files.metFault() && std::string(call) == "StartWatch" ? 1 : 0;
-      EXPECT_EQ(files.count("StartWatch") - refused, files.count("StopWatch"));
+      const int refused = files.faults() > 0 && call == Call::kStartWatch ? 1 : 0;
+      EXPECT_EQ(files.count(Call::kStartWatch) - refused, files.count(Call::kStopWatch));
     }
   }
 }
@@ -319,10 +323,10 @@ TEST_F(KelDirectoryWatchTest, AnotherFileSystemInUseIsAChange) {
   const auto watched = watch(directory);
   EXPECT_FALSE(watched->Changed());
   {
-    FileSystemSpy files;
+    FaultyFileSystem files;
     EXPECT_TRUE(watched->Changed());
     EXPECT_FALSE(watched->Changed());
-    EXPECT_EQ(files.count("StartWatch"), 1);
+    EXPECT_EQ(files.count(Call::kStartWatch), 1);
   }
   EXPECT_TRUE(watched->Changed());
   EXPECT_FALSE(watched->Changed());
@@ -332,24 +336,24 @@ TEST_F(KelDirectoryWatchTest, AnotherFileSystemInUseIsAChange) {
 }
 
 TEST_F(KelDirectoryWatchTest, AWatchOutlivesTheFileSystemItStartedOn) {
-  auto files = std::make_unique<FileSystemSpy>();
+  auto files = std::make_unique<FaultyFileSystem>();
   auto watched = watch(directory);
   files.reset();
   watched.reset();
   // Another one, perhaps at the same address, knows nothing of the watch.
-  FileSystemSpy other;
-  EXPECT_EQ(other.count("StopWatch"), 0);
+  FaultyFileSystem other;
+  EXPECT_EQ(other.count(Call::kStopWatch), 0);
 }
 
 // Replaces the directory just before a watch of it starts.
-class SwappingFileSystem : public FileSystemSpy {
+class SwappingFileSystem : public FaultyFileSystem {
  public:
   long StartWatch(const std::string& path, int* watch) override {
-    if (count("StartWatch") == 0) {
+    if (count(Call::kStartWatch) == 0) {
       fs::rename(path, path + ".old");
       fs::create_directory(path);
     }
-    return FileSystemSpy::StartWatch(path, watch);
+    return FaultyFileSystem::StartWatch(path, watch);
   }
 };
 

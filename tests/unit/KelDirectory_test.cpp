@@ -7,11 +7,15 @@
 #include <vector>
 
 #include "Environment.h"
-#include "FileSystemSpy.h"
+#include "FaultyFileSystem.h"
 #include "Files.h"
 #include "KelLib.h"
 #include "KelUnicodeString.h"
 #include "ScratchDirectory.h"
+
+using Call = FaultyFileSystem::Call;
+using Calls = std::vector<Call>;
+using Times = FaultyFileSystem::Times;
 
 namespace {
 
@@ -101,15 +105,15 @@ TEST_P(KelDirectoryTest, RefusesAPathThatIsTooLong) {
   EXPECT_EQ(make(scratch.file(std::string(300, 'x'))), E_FAIL);
   std::string deep;
   for (int i = 0; i < 5000; ++i) deep += "x/";
-  FileSystemSpy files;
-  files.failFrom("MakeDirectory", 1);
+  FaultyFileSystem files;
+  files.fail(Call::kMakeDirectory, 1, Times::kAlways);
   EXPECT_EQ(make(scratch.file(deep)), E_FAIL);
 }
 
 TEST_P(KelDirectoryTest, ReportsARefusal) {
   for (int nth = 1; nth <= 3; ++nth) {
-    FileSystemSpy files;
-    files.failFrom("MakeDirectory", nth);
+    FaultyFileSystem files;
+    files.fail(Call::kMakeDirectory, nth, Times::kAlways);
     EXPECT_EQ(make(scratch.file(std::to_string(nth) + "/a/b")), E_FAIL);
   }
 }
@@ -117,14 +121,14 @@ TEST_P(KelDirectoryTest, ReportsARefusal) {
 // Somebody else makes the directory between the look and the making.
 TEST_P(KelDirectoryTest, SucceedsWhenSomebodyElseIsFaster) {
   std::filesystem::create_directories(scratch.file("a/b"));
-  FileSystemSpy files;
-  files.failOnce("FindDirectory", 1);
+  FaultyFileSystem files;
+  files.fail(Call::kFindDirectory);
   EXPECT_EQ(make(scratch.file("a/b")), KelLibSucces);
-  EXPECT_EQ(files.count("MakeDirectory"), 1);
+  EXPECT_EQ(files.count(Call::kMakeDirectory), 1);
 }
 
 TEST_P(KelDirectoryTest, ADirectoryThatIsThereCostsOneLook) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   EXPECT_EQ(make(scratch.path().string()), KelLibSucces);
-  EXPECT_EQ(files.calls(), std::vector<std::string>{"FindDirectory"});
+  EXPECT_EQ(files.calls(), Calls{Call::kFindDirectory});
 }

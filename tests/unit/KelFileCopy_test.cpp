@@ -6,13 +6,15 @@
 #include <vector>
 
 #include "Environment.h"
-#include "FileSystemSpy.h"
+#include "FaultyFileSystem.h"
 #include "Files.h"
 #include "KelFile.h"
 #include "KelLib.h"
 #include "KelUnicodeString.h"
 #include "ScratchDirectory.h"
 #include "SpecialFiles.h"
+
+using Call = FaultyFileSystem::Call;
 
 namespace {
 
@@ -132,24 +134,23 @@ TEST_F(KelFileCopyTest, CopyRefusesNullAndEmptyPaths) {
 TEST_F(KelFileCopyTest, ACopyThatFailsAnywhereLeavesTheTargetAsItWas) {
   const std::string bytes(200000, 'n');
   writeBytes(source, bytes);
-  for (const char* call : {"Open", "Read", "Write", "Close", "Rename"}) {
+  for (const Call call : {Call::kOpen, Call::kRead, Call::kWrite, Call::kClose, Call::kRename}) {
     for (int nth = 1;; ++nth) {
-      SCOPED_TRACE(call + std::to_string(nth));
+      SCOPED_TRACE(static_cast<int>(call) * 100 + nth);
       writeBytes(target, "old");
-      FileSystemSpy files;
-      files.failOnce(call, nth);
+      FaultyFileSystem files;
+      files.fail(call, nth);
       const long result = copy(source, target, 0);
       EXPECT_EQ(names(), (Names{"source", "target"}));
-      EXPECT_EQ(files.count("Open") - (std::string(call) == "Open" && files.metFault() ? 1 : 0),
-                files.count("Close"));
-      if (!files.metFault()) {
+      EXPECT_EQ(files.openFiles(), 0);
+      if (files.faults() == 0) {
         EXPECT_EQ(result, S_OK);
         EXPECT_EQ(readBytes(target), bytes);
         EXPECT_GT(nth, 1);
         break;
       }
       // Only the source's own close has nothing to lose.
-      const bool harmless = std::string(call) == "Close" && nth == 2;
+      const bool harmless = call == Call::kClose && nth == 2;
       EXPECT_EQ(result, harmless ? S_OK : E_FAIL);
       EXPECT_EQ(readBytes(target), harmless ? bytes : "old");
     }
@@ -160,7 +161,7 @@ TEST_F(KelFileCopyTest, ACopyGoesOnAfterShortReadsAndWrites) {
   std::string bytes;
   for (std::size_t i = 0; i < 5000; ++i) bytes += static_cast<char>(i * 7);
   writeBytes(source, bytes);
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(13);
   EXPECT_EQ(copy(source, target, 0), S_OK);
   EXPECT_EQ(readBytes(target), bytes);
@@ -186,8 +187,8 @@ TEST_F(KelFileCopyTest, RemoveRefusesNullAndEmptyPaths) {
 
 TEST_F(KelFileCopyTest, RemoveReportsARefusal) {
   writeBytes(source, "bytes");
-  FileSystemSpy files;
-  files.failOnce("Remove", 1);
+  FaultyFileSystem files;
+  files.fail(Call::kRemove);
   EXPECT_EQ(remove(source), E_FAIL);
   EXPECT_TRUE(exists(source));
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "FileSystemSpy.h"
+#include "FaultyFileSystem.h"
 #include "Files.h"
 #include "KelFile.h"
 #include "KelLib.h"
@@ -16,6 +16,8 @@
 #include "SpecialFiles.h"
 
 using Mode = KelFileSystem::Mode;
+
+using Call = FaultyFileSystem::Call;
 
 namespace {
 
@@ -33,10 +35,10 @@ TEST_F(KelFileSystemTest, TheOperatingSystemsIsInUseAtFirst) {
 }
 
 TEST_F(KelFileSystemTest, InstallGivesTheOneBefore) {
-  FileSystemSpy first;
+  FaultyFileSystem first;
   EXPECT_EQ(&KelFileSystem::Current(), &first);
   {
-    FileSystemSpy second;
+    FaultyFileSystem second;
     EXPECT_EQ(&KelFileSystem::Current(), &second);
     EXPECT_EQ(KelFileSystem::Install(&first), &second);
     EXPECT_EQ(KelFileSystem::Install(&second), &first);
@@ -50,14 +52,14 @@ TEST_F(KelFileSystemTest, InstallGivesTheOneBefore) {
 TEST_F(KelFileSystemTest, OpenFilesStayWithTheOneThatOpenedThem) {
   writeBytes(path, "bytes");
   const KelUnicodeString name(path.c_str());
-  FileSystemSpy first;
+  FaultyFileSystem first;
   int descriptor = 0;
   ASSERT_EQ(KelFOpen(name.ConvertToWide(), "r", &descriptor), S_OK);
-  FileSystemSpy second;
+  FaultyFileSystem second;
   EXPECT_NE(KelFEof(descriptor), 0);
   EXPECT_EQ(KelFClose(descriptor), S_OK);
-  EXPECT_EQ(first.count("Close"), 1);
-  EXPECT_EQ(second.count("Close"), 0);
+  EXPECT_EQ(first.count(Call::kClose), 1);
+  EXPECT_EQ(second.count(Call::kClose), 0);
 }
 
 TEST_F(KelFileSystemTest, FailuresLeaveTheOutParametersAlone) {

@@ -10,12 +10,16 @@
 #include <vector>
 
 #include "Environment.h"
-#include "FileSystemSpy.h"
+#include "FaultyFileSystem.h"
 #include "Files.h"
 #include "KelLib.h"
 #include "KelUnicodeString.h"
 #include "ScratchDirectory.h"
 #include "SpecialFiles.h"
+
+using Call = FaultyFileSystem::Call;
+using Calls = std::vector<Call>;
+using Times = FaultyFileSystem::Times;
 
 namespace {
 
@@ -302,13 +306,13 @@ TEST_F(KelFileTest, GetsOfAFileOpenForWritingFails) {
 }
 
 TEST_F(KelFileTest, GetsGivesWhatItReadBeforeAReadFailed) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(2);
   const int descriptor = openOn("abcd\n", "r");
-  files.failOnce("Read", 2);
+  files.fail(Call::kRead, 2);
   EXPECT_EQ(gets(descriptor, 80), "ab");
   EXPECT_EQ(gets(descriptor, 80), "cd\n");
-  files.failFrom("Read", 1);
+  files.fail(Call::kRead, 1, Times::kAlways);
   EXPECT_EQ(gets(descriptor, 80), "(end)");
   KelFClose(descriptor);
 }
@@ -363,7 +367,7 @@ TEST_F(KelFileTest, LinesAndBytesAreReadOneBehindTheOther) {
 }
 
 TEST_F(KelFileTest, ReadGoesOnAfterShortReads) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(7);
   std::string bytes;
   for (int i = 0; i < 30000; ++i) bytes += static_cast<char>('a' + i % 26);
@@ -375,10 +379,10 @@ TEST_F(KelFileTest, ReadGoesOnAfterShortReads) {
 }
 
 TEST_F(KelFileTest, ReadReportsWhatItGotBeforeAReadFailed) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(2);
   const int descriptor = openOn("abcdef", "r");
-  files.failOnce("Read", 3);
+  files.fail(Call::kRead, 3);
   char buffer[8] = {};
   int count = 77;
   EXPECT_EQ(KelFRead(descriptor, buffer, 6, &count), E_FAIL);
@@ -388,10 +392,10 @@ TEST_F(KelFileTest, ReadReportsWhatItGotBeforeAReadFailed) {
 }
 
 TEST_F(KelFileTest, ReadReportsWhatItGotBeforeALargeReadFailed) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(20000);
   const int descriptor = openOn(std::string(60000, 'x'), "r");
-  files.failOnce("Read", 3);
+  files.fail(Call::kRead, 3);
   std::string buffer(60000, '#');
   int count = 77;
   EXPECT_EQ(KelFRead(descriptor, buffer.data(), 60000, &count), E_FAIL);
@@ -436,9 +440,9 @@ TEST_F(KelFileTest, EofOfAFileOpenForWritingIsZero) {
 }
 
 TEST_F(KelFileTest, EofOfAFileThatCannotBeReadIsZero) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   const int descriptor = openOn("bytes", "r");
-  files.failFrom("Read", 1);
+  files.fail(Call::kRead, 1, Times::kAlways);
   EXPECT_EQ(KelFEof(descriptor), 0);
   KelFClose(descriptor);
 }
@@ -508,14 +512,14 @@ TEST_F(KelFileTest, WriteRefusesANegativeNumber) {
 }
 
 TEST_F(KelFileTest, WriteToAFileOpenForReadingFails) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   const int descriptor = openOn("bytes", "r");
   int count = 77;
   EXPECT_EQ(KelFPuts("text", descriptor, &count), E_FAIL);
   EXPECT_EQ(count, 0);
   EXPECT_EQ(KelFWrite(descriptor, "text", 4, nullptr), E_FAIL);
   EXPECT_EQ(KelFClose(descriptor), S_OK);
-  EXPECT_EQ(files.count("Write"), 0);
+  EXPECT_EQ(files.count(Call::kWrite), 0);
   EXPECT_EQ(readBytes(path), "bytes");
 }
 
@@ -527,21 +531,21 @@ TEST_F(KelFileTest, WhatIsWrittenIsInTheFileAtOnce) {
 }
 
 TEST_F(KelFileTest, WriteGoesOnAfterShortWrites) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(3);
   const int descriptor = open(path, "w");
   int count = 0;
   EXPECT_EQ(KelFPuts("abcdefgh", descriptor, &count), S_OK);
   EXPECT_EQ(count, 8);
-  EXPECT_EQ(files.count("Write"), 3);
+  EXPECT_EQ(files.count(Call::kWrite), 3);
   EXPECT_EQ(KelFClose(descriptor), S_OK);
   EXPECT_EQ(readBytes(path), "abcdefgh");
 }
 
 TEST_F(KelFileTest, WriteReportsWhatWasTakenBeforeItFailed) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(3);
-  files.failFrom("Write", 3);
+  files.fail(Call::kWrite, 3, Times::kAlways);
   const int descriptor = open(path, "w");
   int count = 0;
   EXPECT_EQ(KelFWrite(descriptor, "abcdefgh", 8, &count), E_FAIL);
@@ -551,9 +555,9 @@ TEST_F(KelFileTest, WriteReportsWhatWasTakenBeforeItFailed) {
 
 TEST_F(KelFileTest, WhatCannotBeAppendedWholeIsTakenBack) {
   writeBytes(path, "before\n");
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(3);
-  files.failFrom("Write", 3);
+  files.fail(Call::kWrite, 3, Times::kAlways);
   const int descriptor = open(path, "a+");
   int count = 77;
   EXPECT_EQ(KelFPuts("abcdefgh\n", descriptor, &count), E_FAIL);
@@ -563,10 +567,10 @@ TEST_F(KelFileTest, WhatCannotBeAppendedWholeIsTakenBack) {
 }
 
 TEST_F(KelFileTest, AnAppendThatCannotBeTakenBackReportsWhatTheFileHas) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(3);
-  files.failFrom("Write", 2);
-  files.failFrom("Truncate", 1);
+  files.fail(Call::kWrite, 2, Times::kAlways);
+  files.fail(Call::kTruncate, 1, Times::kAlways);
   const int descriptor = open(path, "a+");
   int count = 77;
   EXPECT_EQ(KelFPuts("abcdefgh\n", descriptor, &count), E_FAIL);
@@ -576,7 +580,7 @@ TEST_F(KelFileTest, AnAppendThatCannotBeTakenBackReportsWhatTheFileHas) {
 }
 
 TEST_F(KelFileTest, AFileSystemThatTakesNothingIsAFailure) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   files.limitTransfers(0);
   const int descriptor = open(path, "w");
   int count = 77;
@@ -596,13 +600,13 @@ TEST_F(KelFileTest, AFullDeviceIsAFailureOfTheWrite) {
 }
 
 TEST_F(KelFileTest, CloseFailsWhenTheBytesCouldNotReachTheFile) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   const int descriptor = open(path, "w");
-  files.failOnce("Close", 1);
+  files.fail(Call::kClose);
   EXPECT_EQ(KelFClose(descriptor), E_FAIL);
   EXPECT_EQ(KelFPuts("text", descriptor, nullptr), E_FAIL);
   EXPECT_EQ(KelFClose(descriptor), E_FAIL);
-  EXPECT_EQ(files.count("Close"), 1);
+  EXPECT_EQ(files.count(Call::kClose), 1);
 }
 
 // --- Appending ---
@@ -694,9 +698,9 @@ TEST_F(KelFileTest, SizeAboveWhatAnIntHoldsFails) {
 }
 
 TEST_F(KelFileTest, SizeThatCannotBeToldFails) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   const int descriptor = openOn("bytes", "r");
-  files.failOnce("Size", 1);
+  files.fail(Call::kSize);
   int size = -1;
   EXPECT_EQ(KelFSize(descriptor, &size), E_FAIL);
   KelFClose(descriptor);
@@ -705,34 +709,34 @@ TEST_F(KelFileTest, SizeThatCannotBeToldFails) {
 // --- What it costs ---
 
 TEST_F(KelFileTest, WritingAFileTakesOneCallForEachStep) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   for (const char* mode : {"w", "a+"}) {
     files.forgetCalls();
     const std::string bytes(1000000, 'x');
     const int descriptor = open(path, mode);
     KelFWrite(descriptor, bytes.data(), static_cast<int>(bytes.size()), nullptr);
     KelFClose(descriptor);
-    EXPECT_EQ(files.calls(), (std::vector<std::string>{"Open", "Write", "Close"}));
+    EXPECT_EQ(files.calls(), (Calls{Call::kOpen, Call::kWrite, Call::kClose}));
   }
 }
 
 TEST_F(KelFileTest, ReadingLinesReadsAhead) {
   std::string bytes;
   for (int i = 0; i < 500; ++i) bytes += "<line " + std::to_string(i) + ">\n";
-  FileSystemSpy files;
+  FaultyFileSystem files;
   const int descriptor = openOn(bytes, "r");
   while (KelFEof(descriptor) != 0) ASSERT_NE(gets(descriptor, 80), "(end)");
   KelFClose(descriptor);
-  EXPECT_EQ(files.calls(), (std::vector<std::string>{"Open", "Read", "Read", "Close"}));
+  EXPECT_EQ(files.calls(), (Calls{Call::kOpen, Call::kRead, Call::kRead, Call::kClose}));
 }
 
 TEST_F(KelFileTest, ReadingAWholeFileOfKnownSizeReadsOnce) {
-  FileSystemSpy files;
+  FaultyFileSystem files;
   for (const int size : {100, 16384, 1000000}) {
     files.forgetCalls();
     const int descriptor = openOn(std::string(static_cast<std::size_t>(size), 'x'), "r");
     EXPECT_EQ(read(descriptor, size).size(), static_cast<std::size_t>(size));
     KelFClose(descriptor);
-    EXPECT_EQ(files.calls(), (std::vector<std::string>{"Open", "Read", "Close"}));
+    EXPECT_EQ(files.calls(), (Calls{Call::kOpen, Call::kRead, Call::kClose}));
   }
 }

@@ -204,6 +204,28 @@ TEST_F(FaultyFileSystemTest, FullDiskTakesHalfAWriteAndNoMore) {
   EXPECT_EQ(readBytes(_scratch.file("file")), "abcd");
 }
 
+TEST_F(FaultyFileSystemTest, NotesTheCallsThatFailedToo) {
+  _fileSystem.fail(Call::kWrite);
+  int descriptor = 0;
+  ASSERT_EQ(KelFOpen(_name.c_str(), "w", &descriptor), S_OK);
+  EXPECT_EQ(KelFWrite(descriptor, "ab", 2, nullptr), E_FAIL);
+  EXPECT_EQ(KelFClose(descriptor), S_OK);
+  EXPECT_EQ(_fileSystem.calls(), (std::vector<Call>{Call::kOpen, Call::kWrite, Call::kClose}));
+  EXPECT_EQ(_fileSystem.count(Call::kWrite), 1);
+  _fileSystem.forgetCalls();
+  EXPECT_TRUE(_fileSystem.calls().empty());
+}
+
+TEST_F(FaultyFileSystemTest, LimitsWhatOneTransferMoves) {
+  _fileSystem.limitTransfers(2);
+  int descriptor = 0;
+  ASSERT_EQ(KelFOpen(_name.c_str(), "w", &descriptor), S_OK);
+  EXPECT_EQ(KelFWrite(descriptor, "abcde", 5, nullptr), S_OK);
+  EXPECT_EQ(KelFClose(descriptor), S_OK);
+  EXPECT_EQ(_fileSystem.count(Call::kWrite), 3);
+  EXPECT_EQ(readBytes(_scratch.file("file")), "abcde");
+}
+
 TEST(FaultyFileSystemLifeTest, LeavesTheFileSystemAsItFoundIt) {
   KelFileSystem* const before = &KelFileSystem::Current();
   {
