@@ -4,8 +4,10 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -183,74 +185,195 @@ TEST_F(OwningArrayTest, ReleasingNoArrayDoesNothing) {
   EXPECT_EQ(slots, nullptr);
 }
 
-TEST_F(OwningArrayTest, ArrayWithRoomDoesNotGrow) {
-  Element** slots = filled(2, 3);
-  Element** const before = slots;
-  Element* const first = slots[0];
-  int capacity = 3;
-  EXPECT_TRUE(zetnorv::growSlots(slots, 2, capacity, 10));
-  EXPECT_EQ(slots, before);
-  EXPECT_EQ(slots[0], first);
-  EXPECT_EQ(capacity, 3);
-  zetnorv::releaseSlots(slots, 2);
+TEST_F(OwningArrayTest, OwnedBytesAreReleasedUnlessHandedOn) {
+  char* bytes = zetnorv::newBytes(1);
+  { const zetnorv::OwnedBytes owner(bytes); }
+  EXPECT_EQ(bytes, nullptr);
+  char* handedOn = nullptr;
+  bytes = zetnorv::copyBytes("a", 1);
+  {
+    const zetnorv::OwnedBytes owner(bytes);
+    handedOn = bytes;
+    bytes = nullptr;
+  }
+  EXPECT_STREQ(handedOn, "a");
+  zetnorv::releaseBytes(handedOn);
 }
 
-TEST_F(OwningArrayTest, FullArrayGrowsAndKeepsItsElements) {
+TEST_F(OwningArrayTest, ElementsAreBuiltByDefaultAndDestroyed) {
+  struct Counted {
+    Counted() { ++alive(); }
+    ~Counted() { --alive(); }
+    static int& alive() {
+      static int count = 0;
+      return count;
+    }
+  };
+  Counted* elements = zetnorv::newElements<Counted>(3);
+  ASSERT_NE(elements, nullptr);
+  EXPECT_EQ(Counted::alive(), 3);
+  zetnorv::releaseElements(elements);
+  EXPECT_EQ(elements, nullptr);
+  EXPECT_EQ(Counted::alive(), 0);
+  EXPECT_EQ(zetnorv::newElements<Counted>(0), nullptr);
+  EXPECT_EQ(zetnorv::newElements<Counted>(-1), nullptr);
+}
+
+TEST_F(OwningArrayTest, MemoryHoldsThePowerOfTwoAboveTheCapacity) {
+  const std::pair<int, std::size_t> cases[] = {{-1, 0}, {0, 0},   {1, 1},   {2, 2},
+                                               {3, 4},  {15, 16}, {16, 16}, {17, 32}};
+  for (const auto& [capacity, slots] : cases) {
+    EXPECT_EQ(zetnorv::slotsInMemory(capacity), slots) << capacity;
+  }
+}
+
+// Both ways of growing, where they do the same.
+using Grow = bool (*)(Element**&, int, int&, int) noexcept;
+constexpr Grow kBothWays[] = {zetnorv::growSlots<Element>, zetnorv::growSlotsByCopying<Element>};
+
+TEST_F(OwningArrayTest, ArrayWithRoomDoesNotGrow) {
+  for (Grow grow : kBothWays) {
+    Element** slots = filled(2, 3);
+    Element** const before = slots;
+    Element* const first = slots[0];
+    int capacity = 3;
+    EXPECT_TRUE(grow(slots, 2, capacity, 10));
+    EXPECT_EQ(slots, before);
+    EXPECT_EQ(slots[0], first);
+    EXPECT_EQ(capacity, 3);
+    zetnorv::releaseSlots(slots, 2);
+  }
+}
+
+TEST_F(OwningArrayTest, FullArrayGrowsByTheIncrement) {
+  for (Grow grow : kBothWays) {
+    Element** slots = filled(2, 2);
+    int capacity = 2;
+    EXPECT_TRUE(grow(slots, 2, capacity, 3));
+    EXPECT_EQ(capacity, 5);
+    EXPECT_EQ(slots[0]->number, 0);
+    EXPECT_EQ(slots[1]->number, 1);
+    for (int i = 2; i < 5; ++i) EXPECT_EQ(slots[i], nullptr);
+    EXPECT_EQ(Element::alive, 2);
+    zetnorv::releaseSlots(slots, 2);
+  }
+}
+
+TEST_F(OwningArrayTest, GrowingKeepsTheElements) {
   Element** slots = filled(2, 2);
   Element* const first = slots[0];
   int capacity = 2;
   EXPECT_TRUE(zetnorv::growSlots(slots, 2, capacity, 3));
-  EXPECT_EQ(capacity, 5);
   EXPECT_EQ(slots[0], first);
-  EXPECT_EQ(slots[1]->number, 1);
-  for (int i = 2; i < 5; ++i) EXPECT_EQ(slots[i], nullptr);
-  EXPECT_EQ(Element::alive, 2);
   EXPECT_EQ(Element::copies, 0);
   zetnorv::releaseSlots(slots, 2);
 }
 
-TEST_F(OwningArrayTest, ByCopyingAFullArrayIsReplacedByALargerOneWithCopies) {
+TEST_F(OwningArrayTest, GrowingWithinTheMemoryKeepsTheArray) {
+  Element** slots = filled(5, 5);  // eight in memory
+  Element** const before = slots;
+  int capacity = 5;
+  EXPECT_TRUE(zetnorv::growSlots(slots, 5, capacity, 3));
+  EXPECT_EQ(capacity, 8);
+  EXPECT_EQ(slots, before);
+  for (int i = 5; i < 8; ++i) EXPECT_EQ(slots[i], nullptr);
+  EXPECT_TRUE(zetnorv::growSlots(slots, 8, capacity, 1));
+  EXPECT_EQ(capacity, 9);
+  EXPECT_NE(slots, before);
+  zetnorv::releaseSlots(slots, 5);
+}
+
+TEST_F(OwningArrayTest, GrowingByCopyingReplacesEveryElement) {
   Element** slots = filled(2, 2);
   Element** const before = slots;
   int capacity = 2;
   EXPECT_TRUE(zetnorv::growSlotsByCopying(slots, 2, capacity, 3));
-  EXPECT_EQ(capacity, 5);
   EXPECT_NE(slots, before);
-  EXPECT_EQ(slots[0]->number, 0);
-  EXPECT_EQ(slots[1]->number, 1);
-  for (int i = 2; i < 5; ++i) EXPECT_EQ(slots[i], nullptr);
-  EXPECT_EQ(Element::alive, 2);   // the old elements are gone
-  EXPECT_EQ(Element::copies, 2);  // and these are not they
+  EXPECT_EQ(Element::copies, 2);
+  EXPECT_EQ(Element::alive, 2);
   zetnorv::releaseSlots(slots, 2);
 }
 
 TEST_F(OwningArrayTest, NoArrayGrowsToOne) {
-  Element** slots = nullptr;
-  int capacity = 0;
-  EXPECT_TRUE(zetnorv::growSlots(slots, 0, capacity, 4));
-  ASSERT_NE(slots, nullptr);
-  EXPECT_EQ(capacity, 4);
-  zetnorv::releaseSlots(slots, 0);
+  for (Grow grow : kBothWays) {
+    for (const int before : {0, 4}) {
+      Element** slots = nullptr;
+      int capacity = before;
+      EXPECT_TRUE(grow(slots, 0, capacity, 4));
+      ASSERT_NE(slots, nullptr);
+      EXPECT_EQ(capacity, before + 4);
+      for (int i = 0; i < capacity; ++i) EXPECT_EQ(slots[i], nullptr);
+      zetnorv::releaseSlots(slots, 0);
+    }
+  }
 }
 
-TEST_F(OwningArrayTest, MissingArrayOfSomeCapacityIsMade) {
-  Element** slots = nullptr;
-  int capacity = 4;
-  EXPECT_TRUE(zetnorv::growSlots(slots, 0, capacity, 4));
-  ASSERT_NE(slots, nullptr);
-  EXPECT_EQ(capacity, 8);
-  zetnorv::releaseSlots(slots, 0);
+TEST_F(OwningArrayTest, RefusedGrowthLeavesEverythingAsItWas) {
+  for (Grow grow : kBothWays) {
+    Element** slots = nullptr;
+    int capacity = 0;
+    EXPECT_FALSE(grow(slots, 0, capacity, 0));  // no array is that small
+    EXPECT_EQ(slots, nullptr);
+    EXPECT_EQ(capacity, 0);
+  }
 }
 
-TEST_F(OwningArrayTest, RefusedGrowthByCopyingLeavesEverythingAsItWas) {
+TEST_F(OwningArrayTest, RefusedGrowthByCopyingKeepsTheElements) {
   Element** slots = filled(2, 2);
-  Element** const before = slots;
+  Element* const first = slots[0];
   int capacity = 2;
-  EXPECT_FALSE(zetnorv::growSlotsByCopying(slots, 2, capacity, -2));  // no array that small
-  EXPECT_EQ(slots, before);
+  EXPECT_FALSE(zetnorv::growSlotsByCopying(slots, 2, capacity, -2));
+  EXPECT_EQ(slots[0], first);
   EXPECT_EQ(slots[1]->number, 1);
   EXPECT_EQ(capacity, 2);
   zetnorv::releaseSlots(slots, 2);
+}
+
+TEST_F(OwningArrayTest, AppendedElementsStandInTheirOrder) {
+  Element** slots = nullptr;
+  int count = 0;
+  int capacity = 0;
+  for (int i = 0; i < 100; ++i) {
+    zetnorv::appendSlot(slots, count, capacity, 5, std::make_unique<Element>(i));
+  }
+  EXPECT_EQ(count, 100);
+  EXPECT_EQ(capacity, 100);
+  EXPECT_EQ(Element::copies, 0);
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(slots[i]->number, i);
+  zetnorv::releaseSlots(slots, count);
+}
+
+TEST_F(OwningArrayTest, AppendsACopyAlsoOfAnElementOfItsOwn) {
+  Element** slots = filled(1, 1);
+  int count = 1;
+  int capacity = 1;
+  slots[0]->number = 42;
+  zetnorv::appendCopy(slots, count, capacity, 1, *slots[0]);
+  ASSERT_EQ(count, 2);
+  EXPECT_NE(slots[1], slots[0]);
+  EXPECT_EQ(slots[1]->number, 42);
+  zetnorv::releaseSlots(slots, count);
+}
+
+TEST_F(OwningArrayTest, RefusedCopyTakesASlotAllTheSame) {
+  Element** slots = filled(1, 2);
+  int count = 1;
+  int capacity = 2;
+  Element::refusal = Element::Refusal::kNoMemory;
+  zetnorv::appendCopy(slots, count, capacity, 1, *slots[0]);
+  ASSERT_EQ(count, 2);
+  EXPECT_EQ(slots[1], nullptr);
+  zetnorv::releaseSlots(slots, count);
+}
+
+TEST_F(OwningArrayTest, ElementThatFindsNoRoomIsDestroyed) {
+  Element** slots = nullptr;
+  int count = 0;
+  int capacity = 0;
+  zetnorv::appendSlot(slots, count, capacity, 0, std::make_unique<Element>(1));
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(slots, nullptr);
+  EXPECT_EQ(Element::alive, 0);
 }
 
 }  // namespace
