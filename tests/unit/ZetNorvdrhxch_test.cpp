@@ -36,7 +36,12 @@ TEST(ZetNorvdrhxchTest, ConvertsPairsOfHexadecimalCharacters) {
       {"mixed case in a pair", "aBcD", 4, {0xAB, 0xCD}},
       {"fewer characters than there are", "0123456789", 4, {0x01, 0x23}},
       {"a bad character in either half", "G00G", 4, {0xFF, 0xFF}},
-      {"a NUL in between", std::string("1\0" "22", 4), 4, {0xFF, 0x22}},
+      {"a NUL in between",
+       std::string("1\0"
+                   "22",
+                   4),
+       4,
+       {0xFF, 0x22}},
       {"one character", "A", 1, {}},
       {"no character", "", 0, {}},
   };
