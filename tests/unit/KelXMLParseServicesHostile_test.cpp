@@ -144,6 +144,19 @@ TEST_F(KelXMLParseServicesHostileTest, NestedExpansionsAreBounded) {
   EXPECT_LT(memory.peak(), 16 * kMegabyte);
 }
 
+TEST_F(KelXMLParseServicesHostileTest, EntitiesMayBeNestedAsDeepAsTheyMayBeMany) {
+  std::string chain = "<!DOCTYPE a [<!ENTITY e1 'x'>";
+  for (int i = 2; i <= 1001; ++i) {
+    chain += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
+  }
+  const MemoryWatcher memory;
+  EXPECT_EQ(rewritten(chain + "]><a>&e1000;</a>"), "<!DOCTYPE a><a>x</a>");
+  EXPECT_EQ(rewritten(chain + "]><a b='&e1000;'/>"), "<!DOCTYPE a><a b=\"x\"/>");
+  EXPECT_FALSE(isAccepted(chain + "]><a>&e1001;</a>"));
+  EXPECT_LT(memory.peak(), 256 * kMegabyte);
+  EXPECT_LT(memory.taken(), static_cast<long>(2 * kMegabyte));
+}
+
 TEST_F(KelXMLParseServicesHostileTest, WhatAFewExpansionsGrowToIsBounded) {
   const std::string text = "<!DOCTYPE a [<!ENTITY e '" + std::string(500000, 'x') + "'>]>";
   const std::string nodes = "<!DOCTYPE a [<!ENTITY e '" + repeated("<b/>", 125000) + "'>]>";

@@ -57,8 +57,11 @@ void KelXmlMemory::End() {
 void* KelXmlMemory::allocate(XMLSize_t size) {
   // One reader for each entity that is read, general ones and parameter ones alike: the parser's
   // own limit does not see the latter.
-  if (size == ReaderSize()) CountEntity();
-  CheckBound(size);
+  if (size == ReaderSize()) {
+    CountEntity();
+  } else {
+    CheckBound(size);
+  }
   const std::size_t sizeClass = ClassOf(size);
   Header* header = Take(sizeClass, sizeClass == kNoClass ? size : SizeOf(sizeClass));
   if (header == nullptr) throw xercesc::OutOfMemoryException();
@@ -66,14 +69,14 @@ void* KelXmlMemory::allocate(XMLSize_t size) {
   header->next = _used;
   if (_used != nullptr) _used->previous = header;
   _used = header;
-  _inUse += header->size;
+  if (header->sizeClass != kReaderClass) _inUse += header->size;
   return header + 1;
 }
 
 void KelXmlMemory::deallocate(void* piece) {
   if (piece == nullptr) return;
   Header* header = static_cast<Header*>(piece) - 1;
-  _inUse -= header->size;
+  if (header->sizeClass != kReaderClass) _inUse -= header->size;
   if (header->next != nullptr) header->next->previous = header->previous;
   (header->previous != nullptr ? header->previous->next : _used) = header->next;
   if (header->sizeClass == kNoClass) {
@@ -90,6 +93,7 @@ xercesc::MemoryManager* KelXmlMemory::getExceptionMemoryManager() {
 }
 
 std::size_t KelXmlMemory::ClassOf(std::size_t size) {
+  if (size == ReaderSize()) return kReaderClass;
   if (size <= kSmall) return size == 0 ? 0 : (size - 1) / kStep;
   if (size > kLarge) return kNoClass;
   return kSmall / kStep + static_cast<std::size_t>(std::bit_width((size - 1) / kSmall)) - 1;
@@ -97,6 +101,7 @@ std::size_t KelXmlMemory::ClassOf(std::size_t size) {
 
 std::size_t KelXmlMemory::SizeOf(std::size_t sizeClass) {
   constexpr std::size_t kSmallClasses = kSmall / kStep;
+  if (sizeClass == kReaderClass) return ReaderSize();
   if (sizeClass < kSmallClasses) return (sizeClass + 1) * kStep;
   return kSmall << (sizeClass - kSmallClasses + 1);
 }

@@ -22,8 +22,9 @@ class KelXmlMemory : public xercesc::MemoryManager {
   KelXmlMemory(const KelXmlMemory&) = delete;
   KelXmlMemory& operator=(const KelXmlMemory&) = delete;
 
-  // Bounds what is in use from now on, to `bytes`, and how many entities may be read, the document
-  // itself among them, to `entities`. `locator` tells where the parser is; it is asked until End.
+  // Bounds what is in use from now on, to `bytes` beside the readers of the entities that are being
+  // read, and how many entities may be read, the document itself among them, to `entities`.
+  // `locator` tells where the parser is; it is asked until End.
   void Begin(std::size_t bytes, std::size_t entities, const xercesc::Locator& locator);
   void End();
 
@@ -50,11 +51,13 @@ class KelXmlMemory : public xercesc::MemoryManager {
     std::size_t sizeClass;
   };
 
-  // Pieces up to 512 bytes in steps of 16, those up to 256 KB in powers of two.
+  // Pieces up to 512 bytes in steps of 16, those up to 256 KB in powers of two, and the parser's
+  // readers, which are large and come one for each entity.
   static constexpr std::size_t kSmall = 512;
   static constexpr std::size_t kStep = 16;
   static constexpr std::size_t kLarge = std::size_t{256} * 1024;
-  static constexpr std::size_t kClasses = kSmall / kStep + 9;
+  static constexpr std::size_t kReaderClass = kSmall / kStep + 9;
+  static constexpr std::size_t kClasses = kReaderClass + 1;
   static constexpr std::size_t kNoClass = std::numeric_limits<std::size_t>::max();
 
   static std::size_t ClassOf(std::size_t size);
