@@ -18,8 +18,9 @@ class ZETNORV_EXPORT ZetNorvDb_Record {
   // A deep copy. A copy of itself, or of a null reference, has no fields.
   ZetNorvDb_Record(const ZetNorvDb_Record& o);
 
-  // A deep copy. Assigning a record to itself, or from a null reference, leaves it without fields:
-  // kept so on purpose.
+  // A deep copy. Assigning a record to itself, or from a null reference, leaves it without fields
+  // and does not free those it had: a host that holds their array, as it lies in `_data`, keeps
+  // it and deletes it with delete[]. Kept so on purpose.
   ZetNorvDb_Record& operator=(const ZetNorvDb_Record& o);
   ~ZetNorvDb_Record();
 

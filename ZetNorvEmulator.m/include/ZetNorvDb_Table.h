@@ -21,7 +21,7 @@ class ZETNORV_EXPORT ZetNorvDb_Table : public ZetNorvDb_Record {
   // Copy the header and share the rows, marks and counts of `o`: a table and its copy must not both
   // be destroyed. Shallow on purpose; the library itself copies no table. An assignment does not
   // free the rows that the target had (another table may share them), and assigning a table to
-  // itself empties its header, as with any record.
+  // itself takes its header from it, as with any record.
   ZetNorvDb_Table(const ZetNorvDb_Table& o);
   ZetNorvDb_Table& operator=(const ZetNorvDb_Table& o);
   ~ZetNorvDb_Table();

@@ -38,9 +38,13 @@ ZetNorvDb_Record::ZetNorvDb_Record(const ZetNorvDb_Record& o) {
 }
 
 ZetNorvDb_Record& ZetNorvDb_Record::operator=(const ZetNorvDb_Record& o) {
-  // Assigning to itself releases the fields first and finds nothing left to copy.
+  if (zetnorv::isNullReference(o) || &o == this) {
+    // Let go, not freed: whoever holds the array goes on reading it.
+    _data = nullptr;
+    _nbData = 0;
+    return *this;
+  }
   Release();
-  if (zetnorv::isNullReference(o) || &o == this) return *this;
   copyFields(*this, o);
   return *this;
 }

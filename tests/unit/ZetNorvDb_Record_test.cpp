@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -141,19 +142,25 @@ TEST(ZetNorvDb_RecordTest, AssignmentReplacesTheFields) {
   EXPECT_EQ((Fields{"x"}), fieldsOf(source));
 }
 
-TEST(ZetNorvDb_RecordTest, AssignmentToItselfLeavesNoFields) {
+TEST(ZetNorvDb_RecordTest, AssignmentToItselfLeavesNoFieldsAndFreesNone) {
   ZetNorvDb_Record record(2, MString("a,b"), 0);
+  const std::unique_ptr<MString[]> before(record._data);
   ZetNorvDb_Record& same = record;
   EXPECT_EQ(&record, &(record = same));
   expectNoFields(record);
+  EXPECT_STREQ("a", before[0].gchar());
+  EXPECT_STREQ("b", before[1].gchar());
   record = ZetNorvDb_Record(1, MString("again"), 0);
   EXPECT_EQ((Fields{"again"}), fieldsOf(record));
 }
 
-TEST(ZetNorvDb_RecordTest, AssignmentFromANullReferenceLeavesNoFields) {
+TEST(ZetNorvDb_RecordTest, AssignmentFromANullReferenceLeavesNoFieldsAndFreesNone) {
   ZetNorvDb_Record record(2, MString("a,b"), 0);
+  const std::unique_ptr<MString[]> before(record._data);
   EXPECT_EQ(&record, &(record = nullReferenceTo<ZetNorvDb_Record>()));
   expectNoFields(record);
+  EXPECT_STREQ("a", before[0].gchar());
+  EXPECT_STREQ("b", before[1].gchar());
 }
 
 TEST(ZetNorvDb_RecordTest, ReleaseLeavesARecordWithoutFields) {
