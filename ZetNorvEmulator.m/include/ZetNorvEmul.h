@@ -21,7 +21,8 @@ class ZETNORV_EXPORT ZetNorvEmul {
 
   // Called after an answer has arrived: `*size` bytes at `answer`, which must come from new char[].
   // When an answer is replayed, `answer` is deleted and replaced by a new char[] array, which the
-  // client owns, and `*size` and `*status` are set; otherwise all three stay as they are.
+  // client owns, with a NUL behind its `*size` bytes; `*status` is set when the recording has one.
+  // Otherwise all three stay as they are.
   static long postWensnd(int channel, char*& answer, int*& size, int*& status);
 
   // Records one request: its file and its line of "Scenario.txt".
@@ -36,8 +37,12 @@ class ZETNORV_EXPORT ZetNorvEmul {
   // argument is not read.
   static long SaveKavFirst(int& size, int& ignored, const char* data);
 
-  // Reads the block of this step back: `size` bytes of it in a new buffer of `allocated` bytes,
-  // which the caller deletes with delete[].
+  // Reads the block of this step back: `size` bytes of it in a new buffer of `allocated` bytes at
+  // `data`, which the caller deletes with delete[]. A missing or short file leaves zeros and is no
+  // failure.
+  //
+  // E_FAIL leaves `data` untouched; when the index line holds no usable sizes, `size` and
+  // `allocated` have what it holds (-1 for a missing one).
   static long ReplayKavFirst(int& size, int& allocated, char*& data);
 
   static int _nOp;                 // operation number of the message being exchanged

@@ -13,8 +13,8 @@ long recordAnswer(const char* answer, const int* size, const int* status);
 // REPLAY, SCAN, OLDREPLAY: checks the request against the recording and collects its identifiers.
 long checkRequest(const char* message, int size);
 
-// REPLAY, OLDREPLAY: puts the recorded answer in place of the client's. A null `size` or `status`
-// is traced and refused.
-long replayAnswer(char*& answer, int* size, int* status);
+// REPLAY, OLDREPLAY: puts the recorded answer in place of the client's, `*answer`. A null `answer`,
+// `size` or `status` is traced and refused.
+long replayAnswer(char** answer, int* size, int* status);
 
 }  // namespace zetnorv

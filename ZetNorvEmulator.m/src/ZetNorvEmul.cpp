@@ -62,14 +62,16 @@ long handleRequest(const char* message, int size) {
   return S_OK;
 }
 
-long handleAnswer(char*& answer, int* size, int* status) {
+long handleAnswer(char** answer, int* size, int* status) {
   noteAnswer();
   MString mode;
   const bool set = ZetNorvToolBox::getModeValue(mode) == S_OK;
   if (set && isOneOf(mode, {"REPLAY", "OLDREPLAY"})) {
     return zetnorv::replayAnswer(answer, size, status);
   }
-  if (set && isOneOf(mode, {"SAVE"})) return zetnorv::recordAnswer(answer, size, status);
+  if (set && isOneOf(mode, {"SAVE"})) {
+    return zetnorv::recordAnswer(answer == nullptr ? nullptr : *answer, size, status);
+  }
   ZetNorvTrace.TraPutLN(1, "ZetNorvEmul STOP");
   return S_OK;
 }
@@ -82,10 +84,8 @@ long ZetNorvEmul::preWensnd(int, const char* message, int size) {
 
 long ZetNorvEmul::postWensnd(int, char*& answer, int*& size, int*& status) {
   return zetnorv::guarded("ZetNorvEmul::postWensnd", [&] {
-    // An old host may hand in references that are null; then there is nothing to put an answer
-    // into.
-    char* none = nullptr;
-    return handleAnswer(zetnorv::isNullReference(answer) ? none : answer,
+    // An old host may hand in references that are null.
+    return handleAnswer(zetnorv::isNullReference(answer) ? nullptr : &answer,
                         zetnorv::isNullReference(size) ? nullptr : size,
                         zetnorv::isNullReference(status) ? nullptr : status);
   });

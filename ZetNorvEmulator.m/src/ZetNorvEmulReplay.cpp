@@ -151,10 +151,11 @@ long openAnswerIndex(ScenarioIndexReader& index, bool& missing) {
 
 namespace zetnorv {
 
-long replayAnswer(char*& answer, int* size, int* status) {
+long replayAnswer(char** answer, int* size, int* status) {
   if (size == nullptr || status == nullptr) {
     return fail(2, "Problem in ZetNorvEmul::postWensnd: size or status == NULL");
   }
+  if (answer == nullptr) return fail(2, "Problem in ZetNorvEmul::postWensnd: answer == NULL");
   ScenarioIndexReader index;
   bool missing = false;
   // Without an index the live answer stays, and that is no failure.
@@ -171,7 +172,7 @@ long replayAnswer(char*& answer, int* size, int* status) {
   if (fields.hasStatus) *status = fields.status;
   // Released here unless it became the client's answer.
   const OwnedBytes owner(recorded);
-  return serve(recorded, length, answer, size);
+  return serve(recorded, length, *answer, size);
 }
 
 }  // namespace zetnorv

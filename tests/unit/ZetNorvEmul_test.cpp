@@ -11,6 +11,8 @@
 
 namespace {
 
+using Names = std::vector<std::string>;
+
 class ZetNorvEmulTest : public EmulatorFixture {
  protected:
   // Whether nothing at all was written below the scratch directory.
@@ -201,6 +203,21 @@ TEST_F(ZetNorvEmulTest, NullReferencesNeverCrash) {
     const bool untouchedMode = std::string(value) == "SCAN" || std::string(value) == "PLAY";
     EXPECT_EQ(result, untouchedMode ? S_OK : E_FAIL) << value;
   }
+}
+
+TEST_F(ZetNorvEmulTest, AReplayWithoutAPlaceForTheAnswerIsRefusedAndSetsNothing) {
+  mode("REPLAY");
+  ZetNorvEmul::_nOp = 12;
+  writeBytes(scenario("Scenario2.txt"), "<12><a><7>\n");
+  writeBytes(reference("a"), "recorded");
+  int bytes = 4;
+  int state = 5;
+  int* size = &bytes;
+  int* status = &state;
+  EXPECT_EQ(ZetNorvEmul::postWensnd(0, nullReferenceTo<char*>(), size, status), E_FAIL);
+  EXPECT_EQ(trace.texts(), Names{"Problem in ZetNorvEmul::postWensnd: answer == NULL"});
+  EXPECT_EQ(bytes, 4);
+  EXPECT_EQ(state, 5);
 }
 
 TEST_F(ZetNorvEmulTest, NullSizeAndStatusNeverCrashAndAreTraced) {
