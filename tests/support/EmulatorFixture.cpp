@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <set>
 
 #include "ZetNorvDb.h"
 #include "ZetNorvEmul.h"
@@ -91,6 +92,27 @@ EmulatorFixture::Received EmulatorFixture::receive(const std::string& liveAnswer
                     answer != before};
   delete[] answer;
   return received;
+}
+
+std::vector<int> EmulatorFixture::levels() const {
+  std::set<int> levels;
+  for (const TraceRecorder::Line& line : trace.lines()) {
+    if (line.trace == "ZetNorvTrace") levels.insert(line.level);
+  }
+  return {levels.begin(), levels.end()};
+}
+
+std::vector<std::string> EmulatorFixture::tracedOf(const std::vector<std::string>& lines) const {
+  std::vector<std::string> traced;
+  for (const std::string& text : trace.texts()) {
+    if (std::find(lines.begin(), lines.end(), text) != lines.end()) traced.push_back(text);
+  }
+  return traced;
+}
+
+std::vector<std::string> EmulatorFixture::logLines(const std::string& name) const {
+  const std::string directory = scratch.file("err") + "/case1/Error";
+  return {directory, "After KelCreateDirectory(Path)==KelLibSucces", directory + "\\" + name};
 }
 
 void EmulatorFixture::exchange(int op, const std::string& payload, const std::string& answer,

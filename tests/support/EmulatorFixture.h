@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "Environment.h"
 #include "ScratchDirectory.h"
@@ -48,6 +49,12 @@ class EmulatorFixture : public testing::Test {
   // The hooks as the exchange layer calls them.
   static long send(const std::string& message);
   static Received receive(const std::string& liveAnswer, int status = 0);
+  // The levels of the library's trace lines, each once, in ascending order.
+  std::vector<int> levels() const;
+  // Those of the library's trace lines that are among `lines`, in the order they were traced in.
+  std::vector<std::string> tracedOf(const std::vector<std::string>& lines) const;
+  // What a named log adds to the trace when a text is appended to it in debug mode.
+  std::vector<std::string> logLines(const std::string& name) const;
   // One exchange of operation `op`.
   static void exchange(int op, const std::string& payload, const std::string& answer,
                        int status = 0);

@@ -414,4 +414,21 @@ TEST_F(ZetNorvDb_TableTest, GrowsOverNullSlots) {
   EXPECT_EQ("NULL,NULL,(no mark),NULL", markText(ids));
 }
 
+TEST_F(ZetNorvDb_TableTest, GrowingReplacesEveryRowAndMarkByACopy) {
+  ids.addRecord(MString("a,b"));
+  const ZetNorvDb_Record* const first = ids._rows[0];
+  ids.addRecord(MString("a,b"));
+  ids.addRecord(MString("a,b"));
+  EXPECT_EQ(first, ids._rows[0]);
+  for (int n = 3; n < 6; ++n) {
+    const std::vector<const ZetNorvDb_Record*> rows(ids._rows, ids._rows + n);
+    const std::vector<const ZetNorvDb_Record*> marks(ids._marks, ids._marks + n);
+    ids.addRecord(MString("a,b"));
+    for (int i = 0; i < n; ++i) {
+      EXPECT_NE(rows[static_cast<std::size_t>(i)], ids._rows[i]);
+      EXPECT_NE(marks[static_cast<std::size_t>(i)], ids._marks[i]);
+    }
+  }
+}
+
 }  // namespace

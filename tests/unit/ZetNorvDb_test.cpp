@@ -223,5 +223,27 @@ TEST_F(ZetNorvDbTest, PartNumberStaticIsLeftAlone) {
   EXPECT_TRUE(ZetNorvDb::_S_PART_NUMBER.isNull());
 }
 
+TEST_F(ZetNorvDbTest, LoadingIsTracedAtLevelTwo) {
+  writeBytes(loaded(), row("A") + "\n");
+  construct();
+  DatabaseState::reset();
+  std::filesystem::remove(loaded());
+  ZetNorvDb::_nbLoad = 1;
+  construct();
+  DatabaseState::reset();
+  environment.unset("BIX_ZET_IN");
+  construct();
+  ASSERT_EQ(trace.texts().size(), 7u);
+  for (const TraceRecorder::Line& line : trace.lines()) EXPECT_EQ(line.level, 2) << line.text;
+}
+
+TEST_F(ZetNorvDbTest, RowsThatWereLoadedAreTracedAndPrintedOneAfterTheOther) {
+  writeBytes(loaded(), row("A") + "\n<1>\n" + row("B") + "<more>\n");
+  EXPECT_EQ(construct(), "A0002PNNameFileUuidTableTypeStampB0002PNNameFileUuidTableTypeStampmore");
+  EXPECT_EQ(trace.texts(), (Texts{row("A"), "A,0002,PN,Name,File,Uuid,Table,Type,Stamp,O",
+                                  "Problem _data[i] == NULL", row("B") + "<more>",
+                                  "B,0002,PN,Name,File,Uuid,Table,Type,Stamp,O"}));
+}
+
 }  // namespace
 }  // namespace database_test

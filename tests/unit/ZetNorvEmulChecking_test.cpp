@@ -317,4 +317,79 @@ TEST_F(CheckingTest, TheMessageIsNeverChanged) {
   EXPECT_EQ(message, copy);
 }
 
+TEST_F(CheckingTest, TracesTheStepsOfARequestWithIdentifiersInTheirOrder) {
+  index("<321><a>\n");
+  recorded("a", request(321, kXml));
+  send(request(321, kXml));
+  const Names steps = {"[nOp] 321",
+                       "run.",
+                       "PelmoMod: MString spSplit",
+                       "PelmoMod: microMod run",
+                       "ZetNorvMod: End",
+                       "ZetNorvBuilders::extractLogObject",
+                       "extractLogObject OK",
+                       "ZetNorvEmul: Test sur l'ids3",
+                       "ZetNorvBuilders::extractRefObject",
+                       "extractRefObject OK",
+                       "ZetNorvEmul: Test sur l'ids1",
+                       " end of if microMod.getMsg... "};
+  EXPECT_EQ(tracedOf(steps), steps);
+  EXPECT_EQ(trace.texts().front(), steps.front());
+  EXPECT_EQ(trace.texts().back(), steps.back());
+  EXPECT_EQ(levels(), std::vector<int>{2});
+}
+
+TEST_F(CheckingTest, ARequestThatIsComparedAsCharactersAndIsNoXmlEmptiesTheTables) {
+  writeBytes(configuration(),
+             "<Scripts><MessageChar value=\"321\"><Composant name=\"all\" size=\"4\" "
+             "compare=\"1\"/></MessageChar></Scripts>");
+  index("<321><a>\n");
+  recorded("a", request(321, ""));
+  ZetNorvEmul::_ids.addRecord(MString("before"));
+  ZetNorvEmul::_idsRef.addRecord(MString("before"));
+  EXPECT_EQ(send(request(321, "")), S_OK);
+  const Names steps = {"ZetNorvMod: End",
+                       "ZetNorvBuilders::extractLogObject",
+                       "buildTemp Problem XMLParse",
+                       "extractLogObject: Problem",
+                       "ZetNorvEmul: Test sur l'ids0",
+                       "ZetNorvBuilders::extractRefObject",
+                       "buildTemp Problem XMLParse",
+                       "extractRefObject: Problem",
+                       "ZetNorvEmul: Test sur l'ids0",
+                       " end of if microMod.getMsg... "};
+  EXPECT_EQ(tracedOf(steps), steps);
+  EXPECT_EQ(ZetNorvEmul::_ids.getSize(), 0);
+  EXPECT_EQ(ZetNorvEmul::_idsRef.getSize(), 0);
+}
+
+TEST_F(CheckingTest, ARequestThatCouldNotBeComparedKeepsTheTables) {
+  index("<321><missing>\n");
+  ZetNorvEmul::_ids.addRecord(MString("before"));
+  ZetNorvEmul::_idsRef.addRecord(MString("before"));
+  EXPECT_EQ(send(request(321, kXml)), E_FAIL);
+  EXPECT_EQ(identifier(ZetNorvEmul::_ids, 0), "before");
+  EXPECT_EQ(identifier(ZetNorvEmul::_idsRef, 0), "before");
+  EXPECT_FALSE(trace.has("ZetNorvBuilders::extractLogObject"));
+}
+
+TEST_F(CheckingTest, ARequestOfOperation26IsPassedOverAtItsOwnLineAndCheckedAtTheNext) {
+  index("<26><a>\n<12><b>\n");
+  EXPECT_EQ(send(request(26, "")), S_OK);
+  EXPECT_EQ(ZetNorvEmul::_posCursPre, 2);
+  EXPECT_TRUE(trace.has("Problem in ZetNorvEmul::preWensnd with (message != _nOp)"));
+}
+
+TEST_F(CheckingTest, WithoutAReferenceDirectoryTheTraceEndsWithTheReason) {
+  debugMode("REPLAY");
+  environment.unset("App_RefFile");
+  writeBytes(debugScenario("Scenario.txt"), "<12><a>\n");
+  ZetNorvEmul::_date.set("log");
+  send(request(12, "ab"));
+  const Names log = logLines("log");
+  EXPECT_EQ(trace.texts(),
+            (Names{"[nOp] 12", "ZetNorvEmul::preWensnd12", log[0], log[1], log[2], "run.",
+                   "PelmoMod: MString spSplit", "Problem (App_RefFile): tselection == NULL."}));
+}
+
 }  // namespace

@@ -422,4 +422,82 @@ TEST_F(RecordingTest, AThousandRequestsKeepTheirNumbersAndOrder) {
   EXPECT_EQ(readBytes(reference("save8_999.txt")), "999");
 }
 
+TEST_F(RecordingTest, TheStepsOfAnExchangeAreTracedAtLevelTwo) {
+  send(request(12, "x"));
+  EXPECT_EQ(trace.texts(), (Names{"[nOp] 12", "save12_0.txt"}));
+  receive("y");
+  EXPECT_EQ(trace.texts(), (Names{"[nOp] 12", "save12_0.txt"}));
+  send(request(12, ""));
+  receive("");
+  block(reference("save12_2.txt"));
+  send(request(12, "x"));
+  environment.unset("BIX_ZET_IN");
+  send(request(12, "x"));
+  receive("y");
+  EXPECT_EQ(levels(), std::vector<int>{2});
+}
+
+TEST_F(RecordingTest, ARequestWithoutBytesIsTracedBeforeItIsLogged) {
+  debugMode("SAVE");
+  ZetNorvEmul::_date.set("log");
+  ZetNorvEmul::preWensnd(0, "abcd", 0);
+  const Names log = logLines("log");
+  const Names traceLog = logLines("trace.log");
+  EXPECT_EQ(trace.texts(),
+            (Names{"ZetNorvEmul::preWensnd0", log[0], log[1], log[2],
+                   "Probleme pour ecrire le fichier.", traceLog[0], traceLog[2], traceLog[0],
+                   traceLog[2], "Problem in ZetNorvEmul::save with mod.save",
+                   "Problem in ZetNorvEmul::preWensnd with save"}));
+}
+
+TEST_F(RecordingTest, SaveAnswerReportsAnEmptyAnswerUnderItsOwnOperation) {
+  debugMode("REPLAY");
+  ZetNorvEmul::_nOp = 321;
+  std::filesystem::create_directories(scratch.file("sce"));
+  EXPECT_EQ(saveAnswer(77, "", 3), S_OK);
+  EXPECT_EQ(readBytes(debugLog("trace.log")),
+            "(saveAnswer)Impossible d'ecrire le fichier de reference inputSizeBuf <= 0.\n"
+            "Msg Errone 77\n");
+}
+
+TEST_F(RecordingTest, SaveAnswerFailsWhenItsLineCannotBeWritten) {
+  environment.set("App_SceFile", scratch.file("x"));
+  FaultyFileSystem files;
+  files.fillDiskAtWrite(2);
+  EXPECT_EQ(saveAnswer(77, "direct", 3), E_FAIL);
+  EXPECT_EQ(trace.texts(), Names{"Problem with KelFPuts!"});
+  EXPECT_EQ(readBytes(reference("rep77_0.txt")), "direct");
+  EXPECT_EQ(files.openFiles(), 0);
+}
+
+TEST_F(RecordingTest, SaveAnswerNeitherCountsAStepNorFeedsTheDatabase) {
+  environment.set("App_SceFile", scratch.file("x"));
+  EXPECT_EQ(saveAnswer(321, xmlAnswer("<a/>"), 3), S_OK);
+  EXPECT_EQ(ZetNorvEmul::_posCursPost, 0);
+  EXPECT_EQ(trace.texts(), Names{});
+}
+
+TEST_F(RecordingTest, ARequestOf321ThatWasNotRecordedStagesNothing) {
+  writeBytes(scratch.file("work/PN-7.KelPart"), "geometry");
+  block(scenario("Scenario.txt"));
+  EXPECT_EQ(send(request(321, documentXml(scratch.file("work/PN-7.KelPart")))), E_FAIL);
+  EXPECT_FALSE(exists(reference("Kel_Files_Temp")));
+  EXPECT_TRUE(ZetNorvDb::_copyFile.isNull());
+}
+
+TEST_F(RecordingTest, AnAnswerOf321WithoutItsLineFeedsNoDatabase) {
+  ZetNorvEmul::_nOp = 321;
+  block(scenario("Scenario2.txt"));
+  EXPECT_EQ(receive(xmlAnswer("<a/>")).result, E_FAIL);
+  EXPECT_FALSE(trace.has("ZetNorvDb: recherche Reference"));
+}
+
+TEST_F(RecordingTest, AnAnswerOf321WhoseFileCouldNotBeWrittenFeedsTheDatabaseAllTheSame) {
+  ZetNorvEmul::_nOp = 321;
+  block(reference("rep321_0.txt"));
+  EXPECT_EQ(receive(xmlAnswer("<a/>")).result, S_OK);
+  EXPECT_EQ(trace.texts(), (Names{"Problem with KelFOpen w!", "ZetNorvDb: recherche Reference",
+                                  "ZetNorvDb: recherche Document"}));
+}
+
 }  // namespace

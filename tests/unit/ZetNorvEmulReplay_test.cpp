@@ -396,4 +396,99 @@ TEST_F(ReplayTest, HugeLinesAndNumbersAreReadInPieces) {
   EXPECT_EQ(received.status, 5);
 }
 
+TEST_F(ReplayTest, EveryStepIsTracedAtLevelTwo) {
+  identifiers(321, {"L"}, {"R"});
+  replayed(xmlAnswer("<a><LogObject Identifier=\"1\"/><Reference Identifier=\"2\"/></a>"));
+  replayed(xmlAnswer("<a/>"));
+  index("<321><missing><0>\n");
+  receive("live");
+  std::filesystem::remove(scenario("Scenario2.txt"));
+  receive("live");
+  environment.unset("BIX_ZET_IN");
+  receive("live");
+  EXPECT_EQ(tracedOf({kSkipped, "Problem in ZetNorvEmul::postWensnd with KelFOpen!",
+                      "#### Problem Var ZET: App_SceFile"})
+                .size(),
+            3u);
+  EXPECT_EQ(levels(), std::vector<int>{2});
+}
+
+TEST_F(ReplayTest, TracesTheStepsOfABrokenAnswer) {
+  identifiers(321, {"L"}, {});
+  replayed(xmlAnswer("<a>"));
+  EXPECT_EQ(
+      trace.texts(),
+      (Names{"ZetNorvEmul: KelGetEnvValue App_SceFile", "ZetNorvEmul: MFile Open",
+             "ZetNorvEmul: MFile2 load", "ZetNorvEmul Post: Test sur l'ids1", "ZetNorvEmul: _ids",
+             "<a>", "ZetNorvEmul: CreateMemBufInput...", "Problem with XMLParse",
+             "ZetNorvEmul: Dom Doc .. get .. LogOject", "ZetNorvEmul: Copie des buffers",
+             "Valeur Normale : 11", "ZetNorvEmul: Fin Copie des buffers"}));
+}
+
+TEST_F(ReplayTest, AnElementWithoutIdentifierIsTracedUpToItsLookup) {
+  identifiers(321, {"L0", "L1"}, {});
+  replayed(xmlAnswer("<a><LogObject/><LogObject Identifier=\"x\"/></a>"));
+  const Names steps = {"ZetNorvEmul: Remplacement 1",
+                       "ZetNorvEmul: Remplacement 1",
+                       "ZetNorvEmul: Remplacement 2",
+                       "ZetNorvEmul: Remplacement 3",
+                       "L1",
+                       "ZetNorvEmul: Remplacement 4"};
+  EXPECT_EQ(tracedOf(steps), steps);
+}
+
+TEST_F(ReplayTest, TheLogIsWrittenBetweenTheLinesOfTheCopy) {
+  debugMode("REPLAY");
+  identifiers(321, {"L0"}, {});
+  writeBytes(debugScenario("Scenario2.txt"), "<321><answer><0>\n");
+  writeBytes(debugReference("answer"), xmlAnswer("<LogObject Identifier='a'/>"));
+  receive("live");
+  Names steps = {"ZetNorvEmul: Copie des buffers modifies28"};
+  for (int i = 0; i < 6; ++i) steps.push_back(logLines("fichierXMLretour.log")[2]);
+  steps.push_back("ZetNorvEmul: Fin Copie des buffers modifies");
+  EXPECT_EQ(tracedOf(steps), steps);
+}
+
+TEST_F(ReplayTest, TheStatusIsHandedBackAlsoWithARewrittenAnswer) {
+  identifiers(321, {"L0"}, {});
+  index("<321><answer><-8>\n");
+  recorded("answer", xmlAnswer("<LogObject Identifier='a'/>"));
+  const Received received = receive("live", 4);
+  EXPECT_EQ(received.bytes, rewritten("<LogObject Identifier=\"L0\"/>"));
+  EXPECT_EQ(received.status, -8);
+}
+
+TEST_F(ReplayTest, ARecordedNulEndsTheTracedAndLoggedTextOnly) {
+  debugMode("REPLAY");
+  identifiers(321, {"L0"}, {});
+  writeBytes(debugScenario("Scenario2.txt"), "<321><answer><0>\n");
+  writeBytes(debugReference("answer"), xmlAnswer(std::string("<LogObject Identifier='a'/>\0", 28)));
+  const Received received = receive("live");
+  EXPECT_EQ(received.bytes, rewritten("<LogObject Identifier=\"L0\"/>"));
+  EXPECT_TRUE(trace.has("<LogObject Identifier='a'/>"));
+}
+
+TEST_F(ReplayTest, TheIdentifiersOfTheCheckedRequestStandInItsAnswer) {
+  writeBytes(scratch.file("in/Configuration/xmlStruct.xml"),
+             "<Scripts><MessageXML value=\"321\"><Composant name=\"Doc\" father=\"\" "
+             "attributs=\"Name\"/></MessageXML></Scripts>");
+  mode("SAVE");
+  exchange(321, "<Doc><LogObject Identifier='old'/><LogObject/><Reference Identifier='r'/></Doc>",
+           xmlAnswer("<A><Reference Identifier='1'/><LogObject Identifier='2'/>"
+                     "<LogObject Identifier='3'/></A>"),
+           6);
+  resetEmulator();
+  mode("REPLAY");
+  EXPECT_EQ(send(request(321,
+                         "<Doc><LogObject Identifier='new,more'/><LogObject/>"
+                         "<Reference Identifier='q'/></Doc>")),
+            S_OK);
+  const Received received = receive("live", 0);
+  EXPECT_EQ(received.result, S_OK);
+  EXPECT_EQ(received.bytes,
+            rewritten("<A><Reference Identifier=\"q\"/><LogObject Identifier=\"new\"/>"
+                      "<LogObject Identifier=\"NULL\"/></A>"));
+  EXPECT_EQ(received.status, 6);
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "EmulatorFixture.h"
+#include "FaultyFileSystem.h"
 #include "Files.h"
 #include "KelLib.h"
 #include "NullReferenceTo.h"
@@ -241,6 +242,52 @@ TEST_F(SnapshotTest, ShiftsTheStepsOfTheRequestsBehindIt) {
             "<12><save12_0.txt>\n"
             "<999><\\in\\case1.rec\\Reference\\KavFirst1.bin><10><10>\n"
             "<12><save12_1.txt>\n");
+}
+
+TEST_F(SnapshotTest, SavedAndReadBackSilently) {
+  EXPECT_EQ(save(blockOf(15)), S_OK);
+  ZetNorvEmul::_posCursPre = 0;
+  EXPECT_EQ(replay().result, S_OK);
+  EXPECT_TRUE(trace.lines().empty());
+}
+
+TEST_F(SnapshotTest, SavingWithoutItsLineLeavesTheFileAndTheStep) {
+  FaultyFileSystem files;
+  files.fillDiskAtWrite(2);
+  EXPECT_EQ(save(blockOf(15)), E_FAIL);
+  EXPECT_EQ(trace.texts(),
+            std::vector<std::string>{"Problem in ZetNorvToolBox::KavFirst with file.puts"});
+  EXPECT_EQ(levels(), std::vector<int>{2});
+  EXPECT_EQ(readBytes(reference("KavFirst0.bin")), blockOf(15));
+  EXPECT_EQ(readBytes(scenario("Scenario.txt")), "");
+  EXPECT_EQ(ZetNorvEmul::_posCursPre, 1);
+  EXPECT_EQ(ZetNorvEmul::_posKavFirst, 1);
+}
+
+TEST_F(SnapshotTest, FailuresAreTracedAtLevelTwo) {
+  environment.unset("BIX_ZET_IN");
+  save(blockOf(15));
+  replay();
+  environment.set("BIX_ZET_IN", "\\in");
+  replay();
+  std::filesystem::create_directories(scenario("Scenario.txt"));
+  save(blockOf(15));
+  EXPECT_EQ(trace.texts(),
+            (std::vector<std::string>{
+                "Problem (App_SceFile): tselection == NULL.",
+                "Problem in ZetNorvToolBox::KavFirst with ZetNorvToolBox::getRefPath",
+                "Problem (App_SceFile): tselection == NULL.",
+                "Problem in ZetNorvEmul::ReplayKavFirst with ZetNorvToolBox::getScePath",
+                "Problem in ZetNorvEmul::preWensnd with KelFOpen!",
+                "Problem in ZetNorvToolBox::KavFirst with file.open"}));
+  EXPECT_EQ(levels(), std::vector<int>{2});
+}
+
+TEST_F(SnapshotTest, AreCountedWhenSavedOnly) {
+  for (int i = 0; i < 3; ++i) save(blockOf(15));
+  ZetNorvEmul::_posCursPre = 0;
+  replay();
+  EXPECT_EQ(ZetNorvEmul::_posKavFirst, 3);
 }
 
 }  // namespace

@@ -233,4 +233,28 @@ TEST_F(ZetNorvEmulTest, NullSizeAndStatusNeverCrashAndAreTraced) {
   EXPECT_EQ(answer, nullptr);
 }
 
+TEST_F(ZetNorvEmulTest, DebugModeTellsTheStepsOfBothHooksInTheirOrder) {
+  debugMode("PLAY");
+  ZetNorvEmul::_date.set("log");
+  const Names log = logLines("log");
+  send(request(321, ""));
+  EXPECT_EQ(trace.texts(), (Names{"[nOp] 321", "ZetNorvEmul::preWensnd321", log[0], log[1], log[2],
+                                  "ZetNorvEmul STOP"}));
+  EXPECT_EQ(levels(), std::vector<int>{2});
+  trace.clear();
+  receive("");
+  EXPECT_EQ(trace.texts(),
+            (Names{"ZetNorvEmul::postWensnd321", log[0], log[1], log[2], "ZetNorvEmul STOP"}));
+  EXPECT_EQ(levels(), (std::vector<int>{1, 2}));
+}
+
+TEST_F(ZetNorvEmulTest, ACallWithoutAModeHasItsLineInTheExchangeLogToo) {
+  debugMode("");
+  ZetNorvEmul::_date.set("log");
+  EXPECT_EQ(send(request(12, "")), E_FAIL);
+  EXPECT_EQ(receive("").result, S_OK);
+  EXPECT_EQ(readBytes(debugLog("log")),
+            "[SND] Msg 012  (Nb pas : 01) \n[RCV] Msg 012  (Nb pas : 01) \n");
+}
+
 }  // namespace
