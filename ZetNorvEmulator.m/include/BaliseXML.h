@@ -14,7 +14,7 @@ class ZETNORV_EXPORT BaliseXML {
  public:
   // No attributes, no children, room for 2 of each. `name` is taken up to its first '\n' or NUL and
   // may be null.
-  explicit BaliseXML(const char* name);
+  BaliseXML(const char* name);
 
   // A deep copy. A copy of itself, or of a null reference, is an empty tag named "ERROR".
   BaliseXML(const BaliseXML& o);

@@ -8,7 +8,7 @@
 class ZETNORV_EXPORT CollectorErrors {
  public:
   // No findings, room for 5.
-  explicit CollectorErrors(int messageNumber);
+  CollectorErrors(int messageNumber);
 
   // A deep copy. A copy of itself, or of a null reference, has the number 0 and no findings.
   CollectorErrors(const CollectorErrors& o);

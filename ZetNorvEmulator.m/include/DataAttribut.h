@@ -8,7 +8,7 @@
 class ZETNORV_EXPORT DataAttribut {
  public:
   // `attributName` is taken up to its first '\n' or NUL and may be null.
-  explicit DataAttribut(const char* attributName);
+  DataAttribut(const char* attributName);
 
   // A copy of itself, or of a null reference, has no name and the value 0.
   DataAttribut(const DataAttribut& o);

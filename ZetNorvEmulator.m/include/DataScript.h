@@ -12,7 +12,7 @@ class ZETNORV_EXPORT DataScript {
  public:
   // No entries, room for 5 of the kind. With any other text than "CHAR" or "XML_" the script has no
   // list and a capacity of 0, and no entry can be added. Traces how many scripts were alive before.
-  explicit DataScript(const char* type);
+  DataScript(const char* type);
 
   // A deep copy; not traced. A copy of itself, or of a null reference, is empty and of no kind.
   DataScript(const DataScript& o);

@@ -12,7 +12,7 @@ class ZETNORV_EXPORT MVar {
   // `name` is taken up to its first '\n' or NUL; null gives an empty name.
   MVar(const char* name, int value);
   // Value 0.
-  explicit MVar(const char* name);
+  MVar(const char* name);
 
   // A copy of itself, or of a null reference, has no name and the value 0.
   MVar(const MVar& o);
