@@ -111,19 +111,6 @@ TEST_F(ZetNorvDb_TableTest, GrowsByOneSlotWheneverItIsFull) {
   EXPECT_EQ(6, ids.getSize());
 }
 
-TEST_F(ZetNorvDb_TableTest, GrowingReplacesEveryRowAndMarkByACopy) {
-  for (int i = 0; i < 3; ++i) ids.addRecord(MString("a,b"));
-  for (int growth = 0; growth < 3; ++growth) {
-    const std::vector<const ZetNorvDb_Record*> rows(ids._rows, ids._rows + ids._nbRows);
-    const std::vector<const ZetNorvDb_Record*> marks(ids._marks, ids._marks + ids._nbRows);
-    ids.addRecord(MString("a,b"));
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      EXPECT_NE(rows[i], ids._rows[i]);
-      EXPECT_NE(marks[i], ids._marks[i]);
-    }
-  }
-}
-
 TEST_F(ZetNorvDb_TableTest, GrowsFromNoSlotAtAll) {
   ZetNorvDb_Table table;
   for (int n = 1; n <= 3; ++n) {
