@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "Collector.h"
 #include "CollectorErrors.h"
@@ -89,28 +90,45 @@ int pairsOf(char f, std::string_view text) {
   return pairs;
 }
 
-// Whether a script allows a tag inside another; each question is asked of the script once.
+// What a script allows inside the tags of one name: DataScript::hasBalise for one father and many
+// children.
+class AllowedChildren {
+ public:
+  AllowedChildren(const DataScript& script, const MString& father) {
+    for (int i = 0; i < script.getSize(); ++i) {
+      const DataBalise* entry = script.getBalise(i);
+      if (entry != nullptr && entry->father == father) _entries.push_back(entry);
+    }
+  }
+
+  bool has(const MString& name) const {
+    return std::any_of(_entries.begin(), _entries.end(),
+                       [&](const DataBalise* entry) { return entry->name == name; });
+  }
+
+ private:
+  std::vector<const DataBalise*> _entries;
+};
+
+// The allowed children by father, each looked up once.
 class Hierarchy {
  public:
   explicit Hierarchy(const DataScript& script) : _script(script) {}
 
-  bool allows(const MString& father, const MString& name) {
-    std::string key(textOf(father));
-    key.append(1, '\0').append(textOf(name));
-    const auto [answer, unknown] = _answers.try_emplace(std::move(key), false);
-    if (unknown) answer->second = _script.hasBalise(father, name) != 0;
-    return answer->second;
+  const AllowedChildren& in(const MString& father) {
+    return _fathers.try_emplace(textOf(father), _script, father).first->second;
   }
 
  private:
   const DataScript& _script;
-  std::unordered_map<std::string, bool> _answers;
+  std::unordered_map<std::string, AllowedChildren> _fathers;
 };
 
-void checkChildren(const BaliseXML& parent, Hierarchy& hierarchy, CollectorErrors& collector) {
+void checkChildren(const BaliseXML& parent, const AllowedChildren& allowed,
+                   CollectorErrors& collector) {
   for (int i = 0; i < parent.getNbChildren(); ++i) {
     const BaliseXML* child = parent.getChildP(i);
-    if (child == nullptr || hierarchy.allows(parent._name, child->_name)) continue;
+    if (child == nullptr || allowed.has(child->_name)) continue;
     const std::string pair = std::string(textOf(child->_name)) + textOf(parent._name);
     collector.addError(10, "Error in hierarchy", pair.c_str());
   }
@@ -139,7 +157,7 @@ void ZetNorvBuilders::checkFather(MsgXML* msg, DataScript* script, CollectorErro
     Hierarchy hierarchy(*script);
     for (int i = 0; i < msg->getNbBalises(); ++i) {
       const BaliseXML* parent = msg->getBalise(i);
-      if (parent != nullptr) checkChildren(*parent, hierarchy, *collector);
+      if (parent != nullptr) checkChildren(*parent, hierarchy.in(parent->_name), *collector);
     }
     return S_OK;
   });

@@ -1,8 +1,8 @@
 // Fills the name-only children of an XML message's tags.
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -15,9 +15,9 @@ using zetnorv::textOf;
 
 namespace {
 
-// Finds tags as MsgXML::findBalise does, without walking all of them for every child: the first
-// top-level tag of each name is all that can ever be found, and what was found for a child's name
-// is kept. The names of the top-level tags must not change meanwhile.
+// Finds tags as MsgXML::findBalise does, without walking all of them for every child: only the
+// first top-level tag of each name can ever be found, and only those that begin with the child's
+// first character need be looked at. The names of the top-level tags must not change meanwhile.
 class TagIndex {
  public:
   static constexpr int kNone = -1;
@@ -26,10 +26,12 @@ class TagIndex {
     std::unordered_set<std::string> names;
     for (int i = 0; i < msg.getNbBalises(); ++i) {
       const BaliseXML* tag = msg.getBalise(i);
-      if (tag != nullptr && !names.insert(textOf(tag->_name)).second) continue;
-      _first.push_back(i);
-      // Nothing is looked for behind an empty slot or a tag without a name.
-      if (tag == nullptr || tag->_name.glength() == 0) return;
+      if (tag == nullptr) return;  // nothing behind an empty slot is ever found
+      if (tag->_name.glength() == 0) {
+        _withoutName = i;  // it is found for every child that the tags before it are not found for
+        return;
+      }
+      if (names.insert(textOf(tag->_name)).second) bucketOf(tag->_name).push_back(i);
     }
   }
 
@@ -39,24 +41,20 @@ class TagIndex {
       _msg.findBalise(nullptr);  // traces it
       return kNone;
     }
-    const auto [known, unknown] = _found.try_emplace(name.gchar(), kNone);
-    if (unknown) known->second = search(name);
-    return known->second;
+    for (const int i : bucketOf(name)) {
+      if (_msg.getBalise(i)->_name.compare(name.gchar())) return i;
+    }
+    return _withoutName;
   }
 
  private:
-  int search(const MString& name) const {
-    for (const int i : _first) {
-      const BaliseXML* tag = _msg.getBalise(i);
-      if (tag == nullptr) return kNone;
-      if (tag->_name.compare(name.gchar())) return i;
-    }
-    return kNone;
+  std::vector<int>& bucketOf(const MString& name) {
+    return _byFirstCharacter[static_cast<unsigned char>(name.extract(0))];
   }
 
   const MsgXML& _msg;
-  std::vector<int> _first;
-  std::unordered_map<std::string, int> _found;
+  std::array<std::vector<int>, 256> _byFirstCharacter;
+  int _withoutName = kNone;
 };
 
 // What a tag takes in memory with all that it holds.

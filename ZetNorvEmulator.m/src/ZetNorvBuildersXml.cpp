@@ -63,13 +63,16 @@ class TagMaker {
     }
   }
 
-  BaliseXML make(const DOM_Element& element) const {
-    BaliseXML tag(_entry.name.gchar());
-    for (const DOMString& name : _attributs) addAttribut(element, name, tag);
+  // Adds the tag of `element` to `msg`. It is filled where it lies: of a tag with many children a
+  // copy would cost as much as the tag.
+  void addTo(MsgXML& msg, const DOM_Element& element) const {
+    msg.add(BaliseXML(_entry.name.gchar()));
+    BaliseXML* tag = msg.getBalise(msg.getNbBalises() - 1);
+    if (tag == nullptr) return;  // refused
+    for (const DOMString& name : _attributs) addAttribut(element, name, *tag);
     for (DOM_Node node = element.getFirstChild(); !node.isNull(); node = node.getNextSibling()) {
-      tag.addChildP(BaliseXML(node.getNodeName().utf8().c_str()));
+      tag->addChildP(BaliseXML(node.getNodeName().utf8().c_str()));
     }
-    return tag;
   }
 
  private:
@@ -94,7 +97,7 @@ void addTags(const std::vector<DOM_Element>& elements, const DataBalise& entry, 
              CollectorErrors* collector) {
   if (elements.empty()) report(collector, "No Found BaliseXML", textOf(entry.name));
   const TagMaker maker(entry, collector);
-  for (const DOM_Element& element : elements) msg.add(maker.make(element));
+  for (const DOM_Element& element : elements) maker.addTo(msg, element);
 }
 
 long takeTags(const DOM_Document& document, const DataScript& script, MsgXML& msg,
