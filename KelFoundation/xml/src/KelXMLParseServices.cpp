@@ -1,6 +1,9 @@
 #include "KelXMLParseServices.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <exception>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -26,6 +29,8 @@ constexpr int kTraceLineLength = 256;
 // more is reached by expanding entities only.
 constexpr std::size_t kTreeMemory = std::size_t{16} * 1024 * 1024;
 constexpr std::size_t kTreeMemoryPerByte = 40;
+// No text outgrows the size that a node keeps of it.
+constexpr std::size_t kLargestTree = std::numeric_limits<std::uint32_t>::max();
 
 void Trace(const std::string& line) {
   static std::mutex mutex;
@@ -61,17 +66,16 @@ class BorrowedScanner {
 std::shared_ptr<KelXmlTree> Parse(std::string_view source) {
   const KelXmlSource document(source);
   const std::size_t size = document.text().size();
-  auto tree = std::make_shared<KelXmlTree>(2 * size, kTreeMemory + kTreeMemoryPerByte * size);
+  const std::size_t limit = std::min(kTreeMemory + kTreeMemoryPerByte * size, kLargestTree);
+  auto tree = std::make_shared<KelXmlTree>(2 * size, limit);
   BorrowedScanner scanner;
   scanner->Scan(document, *tree);
   tree->LiftLimit();
   return tree;
 }
 
-}  // namespace
-
-long KelXMLParseServices::XMLParse(const KelInputSource& source, DOM_Document& document) {
-  document = DOM_Document();
+// Parses into `document`; whatever is thrown becomes a refusal.
+long ParseOrRefuse(const KelInputSource& source, DOM_Document& document) {
   try {
     document = DOM_Document(Parse(source.text()));
     return S_OK;
@@ -89,5 +93,17 @@ long KelXMLParseServices::XMLParse(const KelInputSource& source, DOM_Document& d
     return Refuse(source, KelXmlFailure(exception.what()));
   } catch (...) {
     return Refuse(source, KelXmlFailure("an unknown exception of the parser"));
+  }
+}
+
+}  // namespace
+
+long KelXMLParseServices::XMLParse(const KelInputSource& source, DOM_Document& document) {
+  document = DOM_Document();
+  try {
+    return ParseOrRefuse(source, document);
+  } catch (...) {
+    // There was no memory left to say why.
+    return E_FAIL;
   }
 }

@@ -75,7 +75,7 @@ void KelXmlScanner::Configure() {
 void KelXmlScanner::Scan(const KelXmlSource& document, KelXmlTree& tree) {
   const ScanBounds bounds(_memory, kMemory + kMemoryPerByte * document.text().size(),
                           *_scanner->getLocator());
-  _builder.Begin(tree, *_scanner, document.unitSize());
+  _builder.Begin(tree, *_scanner, document);
   try {
     Run(document);
   } catch (const xercesc::OutOfMemoryException&) {

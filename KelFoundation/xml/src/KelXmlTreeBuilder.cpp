@@ -15,8 +15,9 @@ namespace {
 constexpr int kDeepest = 1000;
 
 // The scanner looks at every declared attribute of an element each time the element occurs: this
-// bounds the product.
-constexpr std::uint64_t kMostDeclaredAttributesSeen = 5'000'000;
+// bounds the product, for any document and for each byte of it.
+constexpr std::uint64_t kDeclaredAttributesSeen = 5'000'000;
+constexpr std::uint64_t kDeclaredAttributesSeenPerByte = 64;
 
 std::size_t Length(const XMLCh* text) { return std::char_traits<XMLCh>::length(text); }
 
@@ -45,7 +46,7 @@ void KelXmlTreeBuilder::Located(Step step) {
 }
 
 void KelXmlTreeBuilder::Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner,
-                              std::size_t unitSize) {
+                              const KelXmlSource& document) {
   _tree = &tree;
   _scanner = &scanner;
   _textName = tree.names().Intern("#text");
@@ -54,9 +55,10 @@ void KelXmlTreeBuilder::Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner,
   _parent = tree.document();
   _last = nullptr;
   _openText = nullptr;
-  _unitSize = unitSize;
+  _document = &document;
   _depth = 0;
-  _declaredAttributesSeen = 0;
+  _declaredAttributesLeft =
+      kDeclaredAttributesSeen + kDeclaredAttributesSeenPerByte * document.text().size();
   _done = false;
 }
 
@@ -150,7 +152,7 @@ void KelXmlTreeBuilder::CheckDeclaration(const XMLCh* encoding) const {
   }
   // The scanner takes no notice of a declaration that cannot be true.
   const std::string name = ToUtf8(encoding);
-  if (!name.empty() && UnitSizeOf(name) != _unitSize) {
+  if (!name.empty() && UnitSizeOf(name) != _document->unitSize()) {
     throw KelXmlFailure("the document is not encoded in " + name);
   }
 }
@@ -158,10 +160,11 @@ void KelXmlTreeBuilder::CheckDeclaration(const XMLCh* encoding) const {
 void KelXmlTreeBuilder::CheckBounds(const xercesc::XMLElementDecl& declaration) {
   if (_depth >= kDeepest) throw KelXmlFailure("elements are nested deeper than 1,000");
   if (!declaration.hasAttDefs()) return;
-  _declaredAttributesSeen += declaration.getAttDefList().getAttDefCount();
-  if (_declaredAttributesSeen > kMostDeclaredAttributesSeen) {
+  const std::uint64_t declared = declaration.getAttDefList().getAttDefCount();
+  if (declared > _declaredAttributesLeft) {
     throw KelXmlFailure("too many attributes are declared for the elements");
   }
+  _declaredAttributesLeft -= declared;
 }
 
 const KelXmlName* KelXmlTreeBuilder::Name(const XMLCh* name) {

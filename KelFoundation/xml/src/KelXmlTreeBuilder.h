@@ -7,13 +7,14 @@
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/validators/DTD/DocTypeHandler.hpp>
 
+#include "KelXmlSource.h"
 #include "KelXmlTree.h"
 
 class KelXmlTreeBuilder : public xercesc::XMLDocumentHandler, public xercesc::DocTypeHandler {
  public:
-  // Starts over with an empty `tree` for a document that `scanner` reads, in an encoding whose
-  // units have `unitSize` bytes. Both must outlive the scan.
-  void Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner, std::size_t unitSize);
+  // Starts over with an empty `tree` for `document`, which `scanner` reads. All must outlive the
+  // scan.
+  void Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner, const KelXmlSource& document);
   // Whether the document was read to its end.
   bool IsDone() const { return _done; }
   // The scanner's events. What is refused throws a KelXmlFailure.
@@ -73,6 +74,7 @@ class KelXmlTreeBuilder : public xercesc::XMLDocumentHandler, public xercesc::Do
 
   KelXmlTree* _tree = nullptr;
   xercesc::XMLScanner* _scanner = nullptr;
+  const KelXmlSource* _document = nullptr;
   const KelXmlName* _textName = nullptr;
   const KelXmlName* _cdataName = nullptr;
   const KelXmlName* _commentName = nullptr;
@@ -81,8 +83,8 @@ class KelXmlTreeBuilder : public xercesc::XMLDocumentHandler, public xercesc::Do
   KelXmlNode* _last = nullptr;
   // The text node that further characters belong to; its text is the end of the arena.
   KelXmlNode* _openText = nullptr;
-  std::size_t _unitSize = 1;
   int _depth = 0;
-  std::uint64_t _declaredAttributesSeen = 0;
+  // How many more declared attributes the scanner may look at.
+  std::uint64_t _declaredAttributesLeft = 0;
   bool _done = false;
 };
