@@ -44,6 +44,11 @@ class FaultyFileSystem : public KelFileSystem {
   // Makes the `nth` of the following writes take half of its bytes and all behind it fail: a disk
   // that is full.
   void fillDiskAtWrite(int nth = 1);
+  // Ends the process with the status kKilled at the `nth` of the following calls, as a kill from
+  // outside would: nothing is flushed or cleaned up, and the call is not made. Of a long write,
+  // which the system may do in pieces, half is made.
+  void killAtCall(int nth) { _callsToLive = nth; }
+  static constexpr int kKilled = 99;
   // Lets one read or write move at most `most` bytes.
   void limitTransfers(std::size_t most) { _most = most; }
 
@@ -80,13 +85,14 @@ class FaultyFileSystem : public KelFileSystem {
 
   // Whether this call of the kind `call` is to fail.
   bool fails(Call call);
-  // The same, and notes the call.
+  // The same, and notes the call, unless it is the one that ends the process.
   bool meets(Call call);
 
   std::map<Call, Fault> _planned;
   std::vector<Call> _calls;
   std::size_t _most = std::numeric_limits<std::size_t>::max();
   bool _halfTaken = true;  // the last write before a full disk
+  int _callsToLive = 0;    // 0: for ever
   int _faults = 0;
   int _openFiles = 0;
   KelFileSystem* _before;
