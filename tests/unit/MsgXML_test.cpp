@@ -175,6 +175,7 @@ TEST(MsgXMLTest, ComparesTagByTag) {
     TraceRecorder trace;
     EXPECT_EQ(c.lines.empty() ? 1 : 0, left == right);
     EXPECT_EQ(c.lines, trace.texts());
+    for (const TraceRecorder::Line& line : trace.lines()) EXPECT_EQ(2, line.level) << line.text;
   }
 }
 
@@ -201,6 +202,7 @@ TEST(MsgXMLTest, AnEmptySlotOnEitherSideIsADifference) {
     TraceRecorder trace;
     EXPECT_EQ(0, *c.left == *c.right);
     EXPECT_EQ(c.lines, trace.texts());
+    for (const TraceRecorder::Line& line : trace.lines()) EXPECT_EQ(2, line.level) << line.text;
   }
 }
 
@@ -276,6 +278,7 @@ TEST(MsgXMLTest, PrintsAnEmptySlotAsATraceLine) {
   msg.print();
   EXPECT_EQ("", console.text());
   EXPECT_EQ((Lines{"Affichage du message XML:: 3", " RIEN DE RIEN "}), trace.texts());
+  for (const TraceRecorder::Line& line : trace.lines()) EXPECT_EQ(2, line.level) << line.text;
 }
 
 TEST(MsgXMLTest, WriteLogDoesNothing) {

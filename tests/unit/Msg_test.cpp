@@ -162,6 +162,7 @@ TEST(MsgTest, AnEmptySlotOnEitherSideIsTracedAndUnequal) {
     TraceRecorder trace;
     EXPECT_EQ(0, *left == *right);
     EXPECT_EQ(Lines{kNullComponent}, trace.texts());
+    EXPECT_EQ(2, trace.lines()[0].level);
   }
 }
 
@@ -246,6 +247,7 @@ TEST(MsgTest, PrintsEveryField) {
              "## Composant  Nom : ", "Taille: 3", " Type ", " Buffer : ", "## Message: Comp: 1",
              "## Message: Comp: 2", "## Composant  Nom : ", "Taille: 2", " Type ", " Buffer : "}),
       trace.texts());
+  for (const TraceRecorder::Line& line : trace.lines()) EXPECT_EQ(2, line.level) << line.text;
 }
 
 TEST(MsgTest, PrintsTheCountOfAnEmptyMessage) {

@@ -135,6 +135,7 @@ TEST_F(ZetNorvDbTimeStampTest, ReadsTheTimeStampAsATime) {
       {"whole", "2008-03-12 10:15:30", {2008, 3, 12, 10, 15, 30}},
       {"any separators", "2007/05/03-10x12.59", {2007, 5, 3, 10, 12, 59}},
       {"text behind it", "2008-03-12 10:15:30.999", {2008, 3, 12, 10, 15, 30}},
+      {"digits for separators", "2008103212310415130599", {2008, 3, 12, 10, 15, 30}},
       {"only a date", "2008-03-12", {2008, 3, 12, 0, 0, 0}},
       {"empty", "", {0, 0, 0, 0, 0, 0}},
       {"no numbers", "abcd-ef-gh ij:kl:mn", {0, 0, 0, 0, 0, 0}},

@@ -98,6 +98,7 @@ class ZetNorvModTest : public testing::Test {
     bench.removeLog();
     EXPECT_EQ(bench.compareWith(number, sent, recorded), S_OK);
     EXPECT_EQ(trace.texts(), lines);
+    for (const TraceRecorder::Line& line : trace.lines()) EXPECT_EQ(line.level, 2) << line.text;
     EXPECT_EQ(bench.log(), section(number, sent, findings));
   }
 
@@ -105,6 +106,10 @@ class ZetNorvModTest : public testing::Test {
   void expectFailed(long result, const Texts& lines) {
     EXPECT_EQ(result, E_FAIL);
     EXPECT_EQ(trace.texts(), lines);
+    for (const TraceRecorder::Line& line : trace.lines()) {
+      if (line.trace != "ZetNorvTrace") continue;
+      EXPECT_EQ(line.level, line.text.starts_with("Out ... ") ? 1 : 2) << line.text;
+    }
     EXPECT_FALSE(bench.hasLog());
     trace.clear();
   }
