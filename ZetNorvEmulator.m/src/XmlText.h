@@ -22,6 +22,18 @@ struct XmlProblems {
 long parseXml(const char* text, int size, const char* name, const XmlProblems& problems,
               DOM_Document& document);
 
+// While it lives, a text that is byte for byte the XML of `message` is parsed once, however often
+// and from whichever buffer parseXml() is asked for it: a hook compares one request and collects
+// its identifiers twice. Results and trace lines stay the same. What comes of it is shared, so it
+// is only read. The message must outlive this object; one such object lives at a time.
+class RequestParsedOnce {
+ public:
+  RequestParsedOnce(const char* message, int messageSize);
+  ~RequestParsedOnce();
+  RequestParsedOnce(const RequestParsedOnce&) = delete;
+  RequestParsedOnce& operator=(const RequestParsedOnce&) = delete;
+};
+
 // The XML of a request: what follows its four header bytes. `text` is null only when `message` is,
 // and `size` is never below 0: a message that ends in its header has an empty text, which is no
 // document.

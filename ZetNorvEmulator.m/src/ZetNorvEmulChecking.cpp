@@ -5,6 +5,7 @@
 #include "EmulatorSteps.h"
 #include "Guard.h"
 #include "ScenarioIndex.h"
+#include "XmlText.h"
 #include "ZetNorvBuilders.h"
 #include "ZetNorvEmul.h"
 #include "ZetNorvMod.h"
@@ -120,6 +121,7 @@ long checkRequest(const char* message, int size) {
     ZetNorvTrace.TraPutLN(2, "Problem in ZetNorvEmul::preWensnd with (message != _nOp)");
     return S_OK;
   }
+  const RequestParsedOnce once(message, size);
   return compareWithRecording(message, size, recorded);
 }
 

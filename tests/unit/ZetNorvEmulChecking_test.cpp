@@ -308,6 +308,26 @@ TEST_F(CheckingTest, AnIndexCutAtEveryByteNeverCrashesAndNeverComparesWithAnothe
   EXPECT_EQ(findings().find("save"), std::string::npos);
 }
 
+TEST_F(CheckingTest, ABufferThatIsUsedAgainIsReadAgain) {
+  index("<321><a>\n<321><a>\n");
+  recorded("a", request(321, kXml));
+  std::string message = request(321, kXml);
+  EXPECT_EQ(send(message), S_OK);
+  EXPECT_EQ(identifier(ZetNorvEmul::_ids, 0), "l0");
+  message.replace(message.find("l0"), 2, "L9");
+  EXPECT_EQ(send(message), S_OK);
+  EXPECT_EQ(identifier(ZetNorvEmul::_ids, 0), "L9");
+  EXPECT_EQ(identifier(ZetNorvEmul::_idsRef, 0), "r0");
+}
+
+TEST_F(CheckingTest, ARequestThatEqualsItsRecordingKeepsItsIdentifiers) {
+  index("<319><a>\n");
+  recorded("a", request(319, kXml));
+  EXPECT_EQ(send(request(319, kXml)), S_OK);
+  EXPECT_EQ(ZetNorvEmul::_ids.getSize(), 3);
+  EXPECT_EQ(ZetNorvEmul::_idsRef.getSize(), 1);
+}
+
 TEST_F(CheckingTest, TheMessageIsNeverChanged) {
   index("<321><a>\n");
   recorded("a", request(321, kXml));
