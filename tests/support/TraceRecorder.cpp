@@ -22,3 +22,11 @@ int TraceRecorder::count(const std::string& text) const {
   const std::vector<std::string> all = texts();
   return static_cast<int>(std::count(all.begin(), all.end(), text));
 }
+
+std::string TraceRecorder::refusedDocument() const {
+  for (const Line& line : _lines) {
+    const std::size_t end = line.text.find(": line ");
+    if (line.trace == "KelXML" && end != std::string::npos) return line.text.substr(0, end);
+  }
+  return "";
+}

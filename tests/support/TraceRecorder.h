@@ -28,6 +28,8 @@ class TraceRecorder : public KelTrace::Listener {
   // How many of the library's own lines read exactly `text`.
   int count(const std::string& text) const;
   bool has(const std::string& text) const { return count(text) > 0; }
+  // What the foundation calls the document that it refused first; empty when it refused none.
+  std::string refusedDocument() const;
   void clear() { _lines.clear(); }
 
  private:

@@ -128,6 +128,11 @@ TEST_P(ZetNorvBuildersIdentifiersTest, OtherElementsAreNotTaken) {
   EXPECT_EQ(trace.texts(), Texts{GetParam().line});
 }
 
+TEST_P(ZetNorvBuildersIdentifiersTest, ARefusedRequestIsCalledAsInStaging) {
+  EXPECT_EQ(extract(message(321, "<r>")), E_FAIL);
+  EXPECT_EQ(trace.refusedDocument(), "msgBuildTemp");
+}
+
 TEST_P(ZetNorvBuildersIdentifiersTest, TextThatIsNoDocumentIsTraced) {
   for (const std::string& bytes :
        {std::string(), std::string("abc"), message(321, ""), message(321, "<r>"),

@@ -203,6 +203,12 @@ TEST_F(ZetNorvBuildersXmlTest, TextThatIsNoDocumentIsAParseFailure) {
   EXPECT_EQ(findingsOf(collector), Texts{});
 }
 
+TEST_F(ZetNorvBuildersXmlTest, ARefusedMessageIsCalledAfterTheBuilder) {
+  declare({{"A", ""}});
+  EXPECT_EQ(build("<A>"), E_FAIL);
+  EXPECT_EQ(trace.refusedDocument(), "msg builderMessage");
+}
+
 TEST_F(ZetNorvBuildersXmlTest, FewerThanFourBytesAreAParseFailure) {
   declare({{"A", ""}});
   for (const char* bytes : {"", "a", "ab", "abc", "abcd"}) {

@@ -285,6 +285,11 @@ TEST_F(ZetNorvDbStagingTest, RequestCutAnywhereIsAParseFailureThatStagesNothing)
   EXPECT_FALSE(exists(scratch.file("in")));
 }
 
+TEST_F(ZetNorvDbStagingTest, RefusedRequestIsCalledAfterTheStaging) {
+  EXPECT_EQ(stage(kHeader + "<Request>"), E_FAIL);
+  EXPECT_EQ(trace.refusedDocument(), "msgBuildTemp");
+}
+
 struct Unusable {
   const char* buffer;
   int size;

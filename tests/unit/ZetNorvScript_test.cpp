@@ -368,6 +368,12 @@ TEST_F(ZetNorvScriptTest, AFileThatIsNoDocumentIsTraced) {
   EXPECT_EQ(console.text(), "");
 }
 
+TEST_F(ZetNorvScriptTest, ABrokenFileIsCalledAsReadersOfTheTraceKnowIt) {
+  bench.script("<Scripts>");
+  EXPECT_EQ(build(12), "none");
+  EXPECT_EQ(trace.refusedDocument(), "err msg");
+}
+
 TEST_F(ZetNorvScriptTest, ABrokenFileIsReadAgainAfterItsRepair) {
   bench.script(kExample);
   EXPECT_NE(build(12), "none");
