@@ -27,7 +27,6 @@ void insist(long result) {
 Recording::Recording(const std::string& root, const std::string& script) {
   static int made = 0;
   _folder = root + "/recording" + std::to_string(++made);
-  std::filesystem::remove_all(_folder);
   std::filesystem::create_directories(_folder + "/zet/Configuration");
   std::filesystem::create_directories(_folder + "/tmp");
   writeScript(script);
@@ -44,8 +43,6 @@ void Recording::use(const std::string& folder) {
   ZetNorvDb::_path.set(nullptr);
   ZetNorvDb::_database.Release();
 }
-
-Recording::~Recording() { std::filesystem::remove_all(_folder); }
 
 void Recording::mode(const char* keyword) const { setenv("ZETNORV_MODE", keyword, 1); }
 

@@ -1,4 +1,7 @@
-// A recording of its own, in a directory of its own, for as long as it is measured.
+// A recording of its own, in a directory of its own.
+//
+// The directory stays when the recording goes: a file system may be slow to make files for minutes
+// after many others were removed, which belongs into no measurement. main() removes them all.
 #pragma once
 
 #include <cstddef>
@@ -18,8 +21,6 @@ class Recording {
  public:
   // Makes an empty directory below `root` and uses it.
   Recording(const std::string& root, const std::string& script);
-  // Removes the directory.
-  ~Recording();
   Recording(const Recording&) = delete;
   Recording& operator=(const Recording&) = delete;
 

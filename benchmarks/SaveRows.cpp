@@ -21,14 +21,11 @@ constexpr int kEnd = 1'000;
 // Writes the files that a recording has, with the names that it has.
 class PlainRecorder {
  public:
-  explicit PlainRecorder(std::string folder) : _folder(std::move(folder)) {
-    std::filesystem::remove_all(_folder);
+  // In the folder of a recording, beside its own files.
+  explicit PlainRecorder(const Recording& recording) : _folder(recording.folder() + "/plain") {
     std::filesystem::create_directories(_folder + "/Reference/Kel_Files_Temp");
     std::filesystem::create_directories(_folder + "/Scenario");
   }
-  ~PlainRecorder() { std::filesystem::remove_all(_folder); }
-  PlainRecorder(const PlainRecorder&) = delete;
-  PlainRecorder& operator=(const PlainRecorder&) = delete;
 
   void request(int operation, const std::string& bytes) {
     const std::string name = write("save", operation, bytes);
@@ -63,7 +60,7 @@ void saveStep(benchmark::State& state, const std::string& root, std::size_t byte
   recording.mode("SAVE");
   const std::string request = sizedRequest(pdm::kNavigate, bytes, kSeed, 1);
   const Exchange what{request, answerTo(request, kSeed)};
-  PlainRecorder plain(root + "/plain");
+  PlainRecorder plain(recording);
   Recording::exchange(what);
   compare(
       state, bounds, 2'000, [&] { Recording::exchange(what); },
@@ -78,7 +75,7 @@ void saveStep(benchmark::State& state, const std::string& root, std::size_t byte
 void saveObjectsStep(benchmark::State& state, const std::string& root, std::size_t bytes) {
   const Recording recording(root, scriptWith(3));
   recording.mode("SAVE");
-  const std::string document = root + "/document";
+  const std::string document = recording.folder() + "/document";
   writeRaw(document, std::string(4096, 'd'));
   std::string request = sizedRequest(pdm::kSave, bytes, kSeed, 1);
   const std::string attribute = "FilePath=\"";
@@ -89,7 +86,7 @@ void saveObjectsStep(benchmark::State& state, const std::string& root, std::size
 
   std::string lines;
   readRaw(recording.scenario("database.txt"), lines);
-  PlainRecorder plain(root + "/plain");
+  PlainRecorder plain(recording);
   XmlFloor xml;
   std::string copied;
   compare(

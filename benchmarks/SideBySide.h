@@ -90,7 +90,7 @@ template <class Session>
 void compareEnds(benchmark::State& state, const Bounds& bounds, std::size_t count,
                  Session session) {
   std::vector<Ends> runs;
-  for (Budget budget(5, 1); budget.next();) {
+  for (Budget budget(3, 1); budget.next();) {
     Samples samples;
     session(samples);
     runs.push_back({samples.median(samples.size() - count, count), samples.median(0, count)});

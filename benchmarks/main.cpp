@@ -1,8 +1,9 @@
 // Measures what the library costs beside the plainest code that does the same work, and prints one
-// table of ratios.
+// table of ratios. Recordings are made below the directory and removed in the end.
 //
-//   emulator_benchmarks --dir=<directory for recordings> --json=<file> [options of the library]
+//   emulator_benchmarks --dir=<directory> --json=<file> [options of the library]
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -39,7 +40,9 @@ int main(int count, char* arguments[]) {
     return bench::replayInChild(child,
                                 std::atoi(option(count, arguments, "--steps=", "0").c_str()));
   }
-  const std::string root = std::filesystem::absolute(option(count, arguments, "--dir=", "bench"));
+  const std::filesystem::path directory = option(count, arguments, "--dir=", ".");
+  const std::string root =
+      std::filesystem::absolute(directory / ("recordings." + std::to_string(getpid())));
   const std::string json = option(count, arguments, "--json=", "ratios.json");
   std::filesystem::create_directories(root);
   bench::addSaveRows(root);
@@ -53,6 +56,7 @@ int main(int count, char* arguments[]) {
   if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 2;
   bench::RatioTable table;
   benchmark::RunSpecifiedBenchmarks(&table);
+  std::filesystem::remove_all(root);
   if (!table.write(json)) {
     std::fprintf(stderr, "%s could not be written\n", json.c_str());
     return 2;
