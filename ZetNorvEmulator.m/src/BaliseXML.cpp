@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "ModelParts.h"
 #include "NullReference.h"
 #include "OwningArray.h"
 #include "ZetNorvTrace.h"
@@ -10,8 +11,6 @@
 using zetnorv::isNullReference;
 
 namespace {
-
-constexpr int kIncrement = 5;
 
 // Traces where two tags differ and answers for their comparison.
 int differs(const char* line) {
@@ -87,7 +86,7 @@ void BaliseXML::addChildP(const BaliseXML& child) {
     ZetNorvTrace.TraPutLN(2, "BaliseXML: child == NULL");
     return;
   }
-  zetnorv::appendCopy(_child, _nbChildren, _capacityChildren, kIncrement, child);
+  zetnorv::appendCopy(_child, _nbChildren, _capacityChildren, zetnorv::kModelGrowth, child);
 }
 
 void BaliseXML::addAttributP(const AttributXML& attribut) {
@@ -95,7 +94,7 @@ void BaliseXML::addAttributP(const AttributXML& attribut) {
     ZetNorvTrace.TraPutLN(2, "BaliseXML: attribut == NULL");
     return;
   }
-  zetnorv::appendCopy(_attribut, _nbAttributs, _capacityAttributs, kIncrement, attribut);
+  zetnorv::appendCopy(_attribut, _nbAttributs, _capacityAttributs, zetnorv::kModelGrowth, attribut);
 }
 
 void BaliseXML::modifChildP(int i, const BaliseXML* child) {

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "ModelParts.h"
 #include "NullReference.h"
 #include "OwningArray.h"
 #include "ZetNorvTrace.h"
@@ -9,8 +10,6 @@
 using zetnorv::isNullReference;
 
 namespace {
-
-constexpr int kIncrement = 5;
 
 bool isPrinted(const MString& name) {
   return !name.isNull() && std::strncmp(name.gchar(), "E-BOM", 5) == 0;
@@ -49,7 +48,7 @@ void MsgXML::add(const BaliseXML& balise) {
     ZetNorvTrace.TraPutLN(2, "MsgXML: balise == NULL");
     return;
   }
-  zetnorv::appendCopy(_balise, _nbBalises, _capacity, kIncrement, balise);
+  zetnorv::appendCopy(_balise, _nbBalises, _capacity, zetnorv::kModelGrowth, balise);
 }
 
 BaliseXML* MsgXML::getBalise(int i) const {

@@ -1,7 +1,10 @@
 // XML messages: the tags that a script names, with their attributes and the names of their
 // children.
+#include <memory>
+#include <new>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "CollectorErrors.h"
@@ -9,6 +12,7 @@
 #include "DataScript.h"
 #include "Guard.h"
 #include "KelDOMServices.h"
+#include "ModelParts.h"
 #include "MsgXML.h"
 #include "NullReference.h"
 #include "TextOf.h"
@@ -52,6 +56,12 @@ class NamedElements {
   std::unordered_map<std::string, std::vector<DOM_Element>> _elements;
 };
 
+// A new part of a model; null when it is refused.
+template <class Part, class... Arguments>
+std::unique_ptr<Part> newPart(Arguments... arguments) {
+  return std::unique_ptr<Part>(new (std::nothrow) Part(arguments...));
+}
+
 // Makes the tags of one entry of the script.
 class TagMaker {
  public:
@@ -63,26 +73,28 @@ class TagMaker {
     }
   }
 
-  // Adds the tag of `element` to `msg`. It is filled where it lies: of a tag with many children a
-  // copy would cost as much as the tag.
+  // Adds the tag of `element` to `msg`.
   void addTo(MsgXML& msg, const DOM_Element& element) const {
-    msg.add(BaliseXML(_entry.name.gchar()));
-    BaliseXML* tag = msg.getBalise(msg.getNbBalises() - 1);
-    if (tag == nullptr) return;  // refused
-    for (const DOMString& name : _attributs) addAttribut(element, name, *tag);
-    for (DOM_Node node = element.getFirstChild(); !node.isNull(); node = node.getNextSibling()) {
-      tag->addChildP(BaliseXML(node.getNodeName().utf8().c_str()));
-    }
+    auto tag = newPart<BaliseXML>(_entry.name.gchar());
+    if (tag != nullptr) fill(*tag, element);
+    zetnorv::adopt(msg, std::move(tag));
   }
 
  private:
+  void fill(BaliseXML& tag, const DOM_Element& element) const {
+    for (const DOMString& name : _attributs) addAttribut(element, name, tag);
+    for (DOM_Node node = element.getFirstChild(); !node.isNull(); node = node.getNextSibling()) {
+      zetnorv::adopt(tag, newPart<BaliseXML>(node.getNodeName().utf8().c_str()));
+    }
+  }
+
   void addAttribut(const DOM_Element& element, const DOMString& name, BaliseXML& tag) const {
     const DOMString value = element.getAttribute(name);
     if (value.length() == 0) {
       report(_collector, "No Found AttributXML", name.utf8().c_str());
       return;
     }
-    tag.addAttributP(AttributXML(name.utf8().c_str(), value.utf8().c_str()));
+    zetnorv::adopt(tag, newPart<AttributXML>(name.utf8().c_str(), value.utf8().c_str()));
     if (_collector != nullptr) {
       ZetNorvBuilders::checkFFFFF(value.utf8().c_str(), _collector);
     }

@@ -1,0 +1,31 @@
+// Puts new parts into an XML message's model as they are, where MsgXML::add and its like would copy
+// them.
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "BaliseXML.h"
+#include "MsgXML.h"
+#include "OwningArray.h"
+
+namespace zetnorv {
+
+// What a full list of a model grows by.
+inline constexpr int kModelGrowth = 5;
+
+// Each appends `part`, which was refused when it is null: that takes a slot as well.
+inline void adopt(MsgXML& msg, std::unique_ptr<BaliseXML> part) {
+  appendSlot(msg._balise, msg._nbBalises, msg._capacity, kModelGrowth, std::move(part));
+}
+
+inline void adopt(BaliseXML& tag, std::unique_ptr<BaliseXML> part) {
+  appendSlot(tag._child, tag._nbChildren, tag._capacityChildren, kModelGrowth, std::move(part));
+}
+
+inline void adopt(BaliseXML& tag, std::unique_ptr<AttributXML> part) {
+  appendSlot(tag._attribut, tag._nbAttributs, tag._capacityAttributs, kModelGrowth,
+             std::move(part));
+}
+
+}  // namespace zetnorv
