@@ -15,11 +15,13 @@
 #include "ModelParts.h"
 #include "MsgXML.h"
 #include "NullReference.h"
+#include "TagBuilding.h"
 #include "TextOf.h"
 #include "XmlText.h"
 #include "ZetNorvBuilders.h"
 
 using zetnorv::textOf;
+using zetnorv::Values;
 
 namespace {
 
@@ -65,8 +67,8 @@ std::unique_ptr<Part> newPart(Arguments... arguments) {
 // Makes the tags of one entry of the script.
 class TagMaker {
  public:
-  TagMaker(const DataBalise& entry, CollectorErrors* collector)
-      : _entry(entry), _collector(collector) {
+  TagMaker(const DataBalise& entry, CollectorErrors* collector, Values values)
+      : _entry(entry), _collector(collector), _values(values) {
     for (int i = 0; i < entry._nbAttributs; ++i) {
       if (entry._attributs[i] != nullptr)
         _attributs.emplace_back(textOf(entry._attributs[i]->name));
@@ -94,7 +96,8 @@ class TagMaker {
       report(_collector, "No Found AttributXML", name.utf8().c_str());
       return;
     }
-    zetnorv::adopt(tag, newPart<AttributXML>(name.utf8().c_str(), value.utf8().c_str()));
+    const char* kept = _values == Values::kKept ? value.utf8().c_str() : nullptr;
+    zetnorv::adopt(tag, newPart<AttributXML>(name.utf8().c_str(), kept));
     if (_collector != nullptr) {
       ZetNorvBuilders::checkFFFFF(value.utf8().c_str(), _collector);
     }
@@ -102,18 +105,19 @@ class TagMaker {
 
   const DataBalise& _entry;
   CollectorErrors* _collector;
+  Values _values;
   std::vector<DOMString> _attributs;
 };
 
 void addTags(const std::vector<DOM_Element>& elements, const DataBalise& entry, MsgXML& msg,
-             CollectorErrors* collector) {
+             CollectorErrors* collector, Values values) {
   if (elements.empty()) report(collector, "No Found BaliseXML", textOf(entry.name));
-  const TagMaker maker(entry, collector);
+  const TagMaker maker(entry, collector, values);
   for (const DOM_Element& element : elements) maker.addTo(msg, element);
 }
 
 long takeTags(const DOM_Document& document, const DataScript& script, MsgXML& msg,
-              CollectorErrors* collector) {
+              CollectorErrors* collector, Values values) {
   const NamedElements elements(document, script);
   for (int i = 0; i < script.getSize(); ++i) {
     const DataBalise* entry = script.getBalise(i);
@@ -121,7 +125,7 @@ long takeTags(const DOM_Document& document, const DataScript& script, MsgXML& ms
       ZetNorvTrace.TraPutLN(2, "ZetNorvBuilders::builderMessage balise Not Found");
       return E_FAIL;
     }
-    addTags(elements.named(entry->name), *entry, msg, collector);
+    addTags(elements.named(entry->name), *entry, msg, collector, values);
   }
   return S_OK;
 }
@@ -134,20 +138,25 @@ long parseMessage(const char* buffer, int size, DOM_Document& document) {
 
 }  // namespace
 
-long ZetNorvBuilders::builderMessage(const char* buffer, int size, DataScript* script, MsgXML& msg,
-                                     CollectorErrors* collector) {
+long zetnorv::buildTags(const char* buffer, int size, const DataScript* script, MsgXML& msg,
+                        CollectorErrors* collector, Values values) {
   if (buffer == nullptr) {
     ZetNorvTrace.TraPutLN(2, "builderMessage: tmp == NULL");
     return E_FAIL;
   }
-  if (zetnorv::isNullReference(msg)) {
+  if (isNullReference(msg)) {
     ZetNorvTrace.TraPutLN(2, "builderMessage: msg == NULL");
     return E_FAIL;
   }
-  return zetnorv::guarded("ZetNorvBuilders::builderMessage", [&] {
+  return guarded("ZetNorvBuilders::builderMessage", [&] {
     DOM_Document document;
     if (parseMessage(buffer, size, document) != S_OK) return E_FAIL;
     ZetNorvTrace.TraPutLN(2, "Before datascript.getSize() ");
-    return script == nullptr ? E_FAIL : takeTags(document, *script, msg, collector);
+    return script == nullptr ? E_FAIL : takeTags(document, *script, msg, collector, values);
   });
+}
+
+long ZetNorvBuilders::builderMessage(const char* buffer, int size, DataScript* script, MsgXML& msg,
+                                     CollectorErrors* collector) {
+  return zetnorv::buildTags(buffer, size, script, msg, collector, Values::kKept);
 }

@@ -9,9 +9,13 @@
 #include "MFile.h"
 #include "Msg.h"
 #include "MsgXML.h"
+#include "TagBuilding.h"
 #include "TextOf.h"
 #include "ZetNorvBuilders.h"
 #include "ZetNorvScript.h"
+
+using zetnorv::buildTags;
+using zetnorv::Values;
 
 namespace {
 
@@ -69,13 +73,13 @@ long compareXml(const Run& run, const Message& reference) {
   MsgXML msg;
   MsgXML msgRef;
   trace("ZetNorvMod: Builder::builderMessage msg");
-  if (ZetNorvBuilders::builderMessage(run.sent.buffer, run.sent.size, &run.script, msg,
-                                      &run.collector) != S_OK) {
+  if (buildTags(run.sent.buffer, run.sent.size, &run.script, msg, &run.collector,
+                Values::kLeftOut) != S_OK) {
     return fail("ZetNorvMod: Builder::builderMessage msg PROBLEM");
   }
   trace("ZetNorvMod: Builder::builderMessage msgRef");
-  if (ZetNorvBuilders::builderMessage(reference.buffer, reference.size, &run.script, msgRef,
-                                      nullptr) != S_OK) {
+  if (buildTags(reference.buffer, reference.size, &run.script, msgRef, nullptr, Values::kLeftOut) !=
+      S_OK) {
     return fail("ZetNorvMod: Builder::builderMessage msgRef PROBLEM");
   }
 
