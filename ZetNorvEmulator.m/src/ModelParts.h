@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "BaliseXML.h"
@@ -13,6 +14,12 @@ namespace zetnorv {
 
 // What a full list of a model grows by.
 inline constexpr int kModelGrowth = 5;
+
+// A new part of a model; null when it is refused.
+template <class Part, class... Arguments>
+std::unique_ptr<Part> newPart(Arguments... arguments) {
+  return std::unique_ptr<Part>(new (std::nothrow) Part(arguments...));
+}
 
 // Each appends `part`, which was refused when it is null: that takes a slot as well.
 inline void adopt(MsgXML& msg, std::unique_ptr<BaliseXML> part) {

@@ -8,6 +8,7 @@
 
 #include "Guard.h"
 #include "MsgXML.h"
+#include "Restructuring.h"
 #include "TextOf.h"
 #include "ZetNorvBuilders.h"
 
@@ -119,14 +120,16 @@ class CopyAccount {
   std::int64_t _bytesLeft = 0;
 };
 
-long fillTags(MsgXML& msg) {
+}  // namespace
+
+void zetnorv::fillTags(MsgXML& msg, const PutTag& put) {
   TagIndex index(msg);
   CopyAccount account(msg);
   for (int i = 0; i < msg.getNbBalises(); ++i) {
-    BaliseXML* tag = msg.getBalise(i);
+    const BaliseXML* tag = msg.getBalise(i);
     if (tag == nullptr) {
       ZetNorvTrace.TraPutLN(2, "restructMessage: tmpbal == NULL");
-      return S_OK;
+      return;
     }
     for (int c = 0; c < tag->getNbChildren(); ++c) {
       const BaliseXML* child = tag->getChildP(c);
@@ -134,22 +137,22 @@ long fillTags(MsgXML& msg) {
       if (found == TagIndex::kNone) continue;
       if (!account.admit(found, i)) {
         ZetNorvTrace.TraPutLN(2, "restructMessage: too many copies");
-        return S_OK;
+        return;
       }
-      // Earlier tags are filled by now, later ones are not yet: how deep a copy goes depends on the
-      // order of the tags, and both messages of a comparison go through the same order.
-      tag->modifChildP(c, msg.getBalise(found));
+      put(i, c, found);
     }
   }
-  return S_OK;
 }
-
-}  // namespace
 
 void ZetNorvBuilders::restructMessage(MsgXML* msg) {
   if (msg == nullptr) {
     ZetNorvTrace.TraPutLN(2, "restructMessage: msg == NULL");
     return;
   }
-  zetnorv::guarded("ZetNorvBuilders::restructMessage", [&] { return fillTags(*msg); });
+  zetnorv::guarded("ZetNorvBuilders::restructMessage", [&] {
+    zetnorv::fillTags(*msg, [msg](int parent, int c, int found) {
+      msg->getBalise(parent)->modifChildP(c, msg->getBalise(found));
+    });
+    return S_OK;
+  });
 }

@@ -1,7 +1,6 @@
 // XML messages: the tags that a script names, with their attributes and the names of their
 // children.
 #include <memory>
-#include <new>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -15,13 +14,15 @@
 #include "ModelParts.h"
 #include "MsgXML.h"
 #include "NullReference.h"
-#include "TagBuilding.h"
+#include "TagReading.h"
 #include "TextOf.h"
 #include "XmlText.h"
 #include "ZetNorvBuilders.h"
 
+using zetnorv::adopt;
+using zetnorv::newPart;
+using zetnorv::TagSink;
 using zetnorv::textOf;
-using zetnorv::Values;
 
 namespace {
 
@@ -58,66 +59,52 @@ class NamedElements {
   std::unordered_map<std::string, std::vector<DOM_Element>> _elements;
 };
 
-// A new part of a model; null when it is refused.
-template <class Part, class... Arguments>
-std::unique_ptr<Part> newPart(Arguments... arguments) {
-  return std::unique_ptr<Part>(new (std::nothrow) Part(arguments...));
-}
-
-// Makes the tags of one entry of the script.
-class TagMaker {
+// Hands on the tags of one entry of the script.
+class TagReader {
  public:
-  TagMaker(const DataBalise& entry, CollectorErrors* collector, Values values)
-      : _entry(entry), _collector(collector), _values(values) {
+  TagReader(const DataBalise& entry, TagSink& sink, CollectorErrors* collector)
+      : _entry(entry), _sink(sink), _collector(collector) {
     for (int i = 0; i < entry._nbAttributs; ++i) {
       if (entry._attributs[i] != nullptr)
         _attributs.emplace_back(textOf(entry._attributs[i]->name));
     }
   }
 
-  // Adds the tag of `element` to `msg`.
-  void addTo(MsgXML& msg, const DOM_Element& element) const {
-    auto tag = newPart<BaliseXML>(_entry.name.gchar());
-    if (tag != nullptr) fill(*tag, element);
-    zetnorv::adopt(msg, std::move(tag));
+  void read(const DOM_Element& element) const {
+    _sink.begin(_entry.name);
+    for (const DOMString& name : _attributs) readAttribut(element, name);
+    for (DOM_Node node = element.getFirstChild(); !node.isNull(); node = node.getNextSibling()) {
+      _sink.child(node.getNodeName());
+    }
+    _sink.end();
   }
 
  private:
-  void fill(BaliseXML& tag, const DOM_Element& element) const {
-    for (const DOMString& name : _attributs) addAttribut(element, name, tag);
-    for (DOM_Node node = element.getFirstChild(); !node.isNull(); node = node.getNextSibling()) {
-      zetnorv::adopt(tag, newPart<BaliseXML>(node.getNodeName().utf8().c_str()));
-    }
-  }
-
-  void addAttribut(const DOM_Element& element, const DOMString& name, BaliseXML& tag) const {
+  void readAttribut(const DOM_Element& element, const DOMString& name) const {
     const DOMString value = element.getAttribute(name);
     if (value.length() == 0) {
       report(_collector, "No Found AttributXML", name.utf8().c_str());
       return;
     }
-    const char* kept = _values == Values::kKept ? value.utf8().c_str() : nullptr;
-    zetnorv::adopt(tag, newPart<AttributXML>(name.utf8().c_str(), kept));
-    if (_collector != nullptr) {
-      ZetNorvBuilders::checkFFFFF(value.utf8().c_str(), _collector);
-    }
+    _sink.attribut(name, value);
+    if (_collector != nullptr) ZetNorvBuilders::checkFFFFF(value.utf8().c_str(), _collector);
   }
 
   const DataBalise& _entry;
+  TagSink& _sink;
   CollectorErrors* _collector;
-  Values _values;
   std::vector<DOMString> _attributs;
 };
 
-void addTags(const std::vector<DOM_Element>& elements, const DataBalise& entry, MsgXML& msg,
-             CollectorErrors* collector, Values values) {
+void readEntry(const std::vector<DOM_Element>& elements, const DataBalise& entry, TagSink& sink,
+               CollectorErrors* collector) {
   if (elements.empty()) report(collector, "No Found BaliseXML", textOf(entry.name));
-  const TagMaker maker(entry, collector, values);
-  for (const DOM_Element& element : elements) maker.addTo(msg, element);
+  const TagReader reader(entry, sink, collector);
+  for (const DOM_Element& element : elements) reader.read(element);
 }
 
-long takeTags(const DOM_Document& document, const DataScript& script, MsgXML& msg,
-              CollectorErrors* collector, Values values) {
+long readDocument(const DOM_Document& document, const DataScript& script, TagSink& sink,
+                  CollectorErrors* collector) {
   const NamedElements elements(document, script);
   for (int i = 0; i < script.getSize(); ++i) {
     const DataBalise* entry = script.getBalise(i);
@@ -125,7 +112,7 @@ long takeTags(const DOM_Document& document, const DataScript& script, MsgXML& ms
       ZetNorvTrace.TraPutLN(2, "ZetNorvBuilders::builderMessage balise Not Found");
       return E_FAIL;
     }
-    addTags(elements.named(entry->name), *entry, msg, collector, values);
+    readEntry(elements.named(entry->name), *entry, sink, collector);
   }
   return S_OK;
 }
@@ -136,27 +123,51 @@ long parseMessage(const char* buffer, int size, DOM_Document& document) {
   return zetnorv::parseXml(payload.text, payload.size, "msg builderMessage", kProblems, document);
 }
 
+// Makes the model that hosts know, every part of it an object of its own.
+class ModelMaker : public TagSink {
+ public:
+  explicit ModelMaker(MsgXML& msg) : _msg(msg) {}
+
+  void begin(const MString& name) override { _tag = newPart<BaliseXML>(name.gchar()); }
+
+  void attribut(const DOMString& name, const DOMString& value) override {
+    if (_tag == nullptr) return;  // refused
+    adopt(*_tag, newPart<AttributXML>(name.utf8().c_str(), value.utf8().c_str()));
+  }
+
+  void child(const DOMString& name) override {
+    if (_tag != nullptr) adopt(*_tag, newPart<BaliseXML>(name.utf8().c_str()));
+  }
+
+  void end() override { adopt(_msg, std::move(_tag)); }
+
+ private:
+  MsgXML& _msg;
+  std::unique_ptr<BaliseXML> _tag;
+};
+
 }  // namespace
 
-long zetnorv::buildTags(const char* buffer, int size, const DataScript* script, MsgXML& msg,
-                        CollectorErrors* collector, Values values) {
-  if (buffer == nullptr) {
-    ZetNorvTrace.TraPutLN(2, "builderMessage: tmp == NULL");
-    return E_FAIL;
-  }
-  if (isNullReference(msg)) {
-    ZetNorvTrace.TraPutLN(2, "builderMessage: msg == NULL");
-    return E_FAIL;
-  }
+long zetnorv::readTags(const char* buffer, int size, const DataScript* script, TagSink& sink,
+                       CollectorErrors* collector) {
   return guarded("ZetNorvBuilders::builderMessage", [&] {
     DOM_Document document;
     if (parseMessage(buffer, size, document) != S_OK) return E_FAIL;
     ZetNorvTrace.TraPutLN(2, "Before datascript.getSize() ");
-    return script == nullptr ? E_FAIL : takeTags(document, *script, msg, collector, values);
+    return script == nullptr ? E_FAIL : readDocument(document, *script, sink, collector);
   });
 }
 
 long ZetNorvBuilders::builderMessage(const char* buffer, int size, DataScript* script, MsgXML& msg,
                                      CollectorErrors* collector) {
-  return zetnorv::buildTags(buffer, size, script, msg, collector, Values::kKept);
+  if (buffer == nullptr) {
+    ZetNorvTrace.TraPutLN(2, "builderMessage: tmp == NULL");
+    return E_FAIL;
+  }
+  if (zetnorv::isNullReference(msg)) {
+    ZetNorvTrace.TraPutLN(2, "builderMessage: msg == NULL");
+    return E_FAIL;
+  }
+  ModelMaker maker(msg);
+  return zetnorv::readTags(buffer, size, script, maker, collector);
 }

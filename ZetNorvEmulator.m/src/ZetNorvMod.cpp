@@ -4,18 +4,14 @@
 #include <memory>
 
 #include "CollectorErrors.h"
+#include "ComparedMessage.h"
 #include "DataScript.h"
 #include "Guard.h"
 #include "MFile.h"
 #include "Msg.h"
-#include "MsgXML.h"
-#include "TagBuilding.h"
 #include "TextOf.h"
 #include "ZetNorvBuilders.h"
 #include "ZetNorvScript.h"
-
-using zetnorv::buildTags;
-using zetnorv::Values;
 
 namespace {
 
@@ -70,28 +66,26 @@ struct Run {
 };
 
 long compareXml(const Run& run, const Message& reference) {
-  MsgXML msg;
-  MsgXML msgRef;
+  zetnorv::ComparedMessage msg;
+  zetnorv::ComparedMessage msgRef;
   trace("ZetNorvMod: Builder::builderMessage msg");
-  if (buildTags(run.sent.buffer, run.sent.size, &run.script, msg, &run.collector,
-                Values::kLeftOut) != S_OK) {
+  if (msg.build(run.sent.buffer, run.sent.size, run.script, &run.collector) != S_OK) {
     return fail("ZetNorvMod: Builder::builderMessage msg PROBLEM");
   }
   trace("ZetNorvMod: Builder::builderMessage msgRef");
-  if (buildTags(reference.buffer, reference.size, &run.script, msgRef, nullptr, Values::kLeftOut) !=
-      S_OK) {
+  if (msgRef.build(reference.buffer, reference.size, run.script, nullptr) != S_OK) {
     return fail("ZetNorvMod: Builder::builderMessage msgRef PROBLEM");
   }
 
   trace("Builder::restructMessage msg");
-  ZetNorvBuilders::restructMessage(&msg);
+  msg.restructure();
   trace("Builder::restructMessage msgRef");
-  ZetNorvBuilders::restructMessage(&msgRef);
+  msgRef.restructure();
   trace("ZetNorvMod: Builder::checkFather msg");
-  ZetNorvBuilders::checkFather(&msg, &run.script, &run.collector);
+  ZetNorvBuilders::checkFather(&msg.model(), &run.script, &run.collector);
 
   trace("ZetNorvMod: msg->operator ==");
-  if (!(msg == msgRef)) run.collector.addError(10, kProblem, kDifference);
+  if (!(msg.model() == msgRef.model())) run.collector.addError(10, kProblem, kDifference);
   run.writeSection();
   trace("ZetNorvMod:  End of if(MsgXML)");
   return S_OK;
