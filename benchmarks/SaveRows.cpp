@@ -116,10 +116,10 @@ void saveEnds(benchmark::State& state, const std::string& root) {
 
 void addSaveRows(const std::string& root) {
   addRow("SAVE step, 2 KB / the same files by system calls", [=](benchmark::State& state) {
-    saveStep(state, root, 2'000, {2.0, 1.6});
+    saveStep(state, root, 2'000, {2.0, 1.3});
   });
   addRow("SAVE step, 20 KB / the same files by system calls", [=](benchmark::State& state) {
-    saveStep(state, root, 20'000, {1.3, 1.2});
+    saveStep(state, root, 20'000, {1.6, 1.2});
   });
   addRow("SAVE step of 321, 20 KB / files, and each message parsed once",
          [=](benchmark::State& state) { saveObjectsStep(state, root, 20'000); });
