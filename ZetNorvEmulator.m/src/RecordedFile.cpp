@@ -22,26 +22,40 @@ const char* prefixOf(Recorded kind) { return kind == Recorded::kRequest ? "save"
 
 // The smallest free number of every kind of file in one directory.
 //
-// A number that was found taken stays taken until a name goes from the directory, so the search
-// goes on where it ended last time. The directory is watched: when something went from it, or when
-// that cannot be told, the search starts at 0 again.
+// A number that is taken stays taken until a name goes from the directory, so the search goes on
+// where it ended last time. The directory is watched: when something went from it, or when that
+// cannot be told, the search starts at 0 again. A watch without a change also tells that the
+// directory is there.
 class FreeNumbers {
  public:
-  explicit FreeNumbers(const std::string& directory)
-      : _directory(directory), _watch(KelUnicodeString(directory.c_str()).ConvertToWide()) {}
+  // Makes the directory when it is missing.
+  explicit FreeNumbers(const MString& directory)
+      : _directory(made(directory)),
+        _watch(KelUnicodeString(_directory.c_str()).ConvertToWide()) {}
 
   const std::string& directory() const { return _directory; }
 
   // The path with the smallest free number for `kind` and `op`.
   std::string nextPath(Recorded kind, int op) {
-    if (_watch.Changed()) _next.clear();
+    if (_watch.Changed()) {
+      made(MString(_directory.c_str()));
+      _next.clear();
+    }
     int& k = _next[{kind, op}];
     std::string path = pathOf(kind, op, k);
     while (opens(path)) path = pathOf(kind, op, ++k);
     return path;
   }
 
+  // Notes that the number which nextPath gave last is taken now.
+  void take(Recorded kind, int op) { ++_next[{kind, op}]; }
+
  private:
+  static const char* made(const MString& directory) {
+    ensureDirectory(directory);
+    return directory.gchar();
+  }
+
   std::string pathOf(Recorded kind, int op, int k) const {
     char name[48];
     std::snprintf(name, sizeof name, "\\%s%d_%d.txt", prefixOf(kind), op, k);
@@ -61,9 +75,9 @@ class FreeNumbers {
 };
 
 // What is known of the directory that is recorded into; one at a time.
-FreeNumbers& numbersOf(const std::string& directory) {
+FreeNumbers& numbersOf(const MString& directory) {
   static std::unique_ptr<FreeNumbers> numbers;
-  if (numbers == nullptr || numbers->directory() != directory) {
+  if (numbers == nullptr || numbers->directory() != directory.gchar()) {
     numbers.reset();
     numbers = std::make_unique<FreeNumbers>(directory);
   }
@@ -105,9 +119,10 @@ RecordedFile writeRecordedFile(Recorded kind, int op, const char* message, int s
   }
   MString reference;
   if (ZetNorvToolBox::getRefPath(reference) != S_OK) return {E_FAIL, {}};
-  ensureDirectory(reference);
-  std::string path = numbersOf(reference.gchar()).nextPath(kind, op);
+  FreeNumbers& numbers = numbersOf(reference);
+  std::string path = numbers.nextPath(kind, op);
   const long result = fill(path, message, size);
+  if (result == S_OK) numbers.take(kind, op);
   return {result, std::move(path)};
 }
 
