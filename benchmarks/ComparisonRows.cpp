@@ -87,9 +87,6 @@ void addComparisonRows(const std::string& root) {
   addRow("Comparing an element of 5,000 attributes / of 500", [=](benchmark::State& state) {
     growth(state, root, script, ofAttributes(5'000), ofAttributes(500), 30);
   });
-  addRow("The same, each of them named by the script", [=](benchmark::State& state) {
-    growth(state, root, scriptOfAttributes(5'000), ofAttributes(5'000), ofAttributes(500), 30);
-  });
 }
 
 }  // namespace bench

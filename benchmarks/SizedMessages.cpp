@@ -85,8 +85,6 @@ class Elements {
   std::vector<std::string> references;
 };
 
-std::string attributeName(std::size_t number) { return "Property" + std::to_string(number); }
-
 std::string scriptOfClient() {
   std::ifstream file(BENCH_CLIENT_SCRIPT, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
@@ -131,7 +129,8 @@ std::string requestOfAttributes(std::size_t count, std::uint64_t seed) {
   std::string request = sizedRequest(pdm::kSave, 0, seed, 1);
   std::string attributes;
   for (std::size_t i = 0; i < count; ++i) {
-    attributes += ' ' + attributeName(i) + "=\"value " + std::to_string(i) + '"';
+    const std::string number = std::to_string(i);
+    attributes.append(" Property").append(number).append("=\"value ").append(number).append("\"");
   }
   return request.insert(request.find('>', request.find("<SaveRequest")), attributes);
 }
@@ -153,14 +152,6 @@ std::string scriptWith(std::size_t entries) {
   script.insert(script.find("</Scripts>"), others.substr(split));
   script.insert(script.find("<Scripts>") + 10, others.substr(0, split));
   return script;
-}
-
-std::string scriptOfAttributes(std::size_t count) {
-  std::string names = "Mode Schema";
-  for (std::size_t i = 0; i < count; ++i) names += ' ' + attributeName(i);
-  return "<Scripts><MessageXML value=\"321\" path=\"\"><Composant name=\"SaveRequest\" father=\"\" "
-         "attributs=\"" +
-         names + "\"/></MessageXML></Scripts>";
 }
 
 }  // namespace bench

@@ -28,7 +28,4 @@ std::string requestOfAttributes(std::size_t count, std::uint64_t seed);
 // it has `entries`.
 std::string scriptWith(std::size_t entries);
 
-// A script that names the `count` attributes of requestOfAttributes.
-std::string scriptOfAttributes(std::size_t count);
-
 }  // namespace bench
