@@ -30,8 +30,7 @@ class FreeNumbers {
  public:
   // Makes the directory when it is missing.
   explicit FreeNumbers(const MString& directory)
-      : _directory(made(directory)),
-        _watch(KelUnicodeString(_directory.c_str()).ConvertToWide()) {}
+      : _directory(made(directory)), _watch(KelUnicodeString(_directory.c_str()).ConvertToWide()) {}
 
   const std::string& directory() const { return _directory; }
 
