@@ -37,6 +37,12 @@ function(zetnorv_shared_library target)
   if(ZETNORV_SANITIZE)
     target_compile_options(${target} PRIVATE -O1)
   endif()
+  # Counted atomically: some tests work with threads.
+  if(ZETNORV_COVERAGE)
+    target_compile_options(${target} PRIVATE
+      --coverage -fprofile-update=atomic -fprofile-abs-path)
+    target_link_options(${target} PRIVATE --coverage)
+  endif()
   file(GLOB headers CONFIGURE_DEPENDS "${arg_INCLUDES}/*.h")
   target_sources(${target} PUBLIC
     FILE_SET HEADERS BASE_DIRS "${arg_INCLUDES}" FILES ${headers})
