@@ -6,6 +6,7 @@
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/sax/SAXException.hpp>
@@ -15,6 +16,7 @@
 #include "KelLib.h"
 #include "KelTrace.h"
 #include "KelXmlFailure.h"
+#include "KelXmlPlatform.h"
 #include "KelXmlScannerPool.h"
 #include "KelXmlSource.h"
 #include "KelXmlTree.h"
@@ -74,7 +76,7 @@ std::shared_ptr<KelXmlTree> Parse(std::string_view source) {
   return tree;
 }
 
-// Parses into `document`; whatever is thrown becomes a refusal.
+// Parses into `document`; whatever the parser throws becomes a refusal.
 long ParseOrRefuse(const KelInputSource& source, DOM_Document& document) {
   try {
     document = DOM_Document(Parse(source.text()));
@@ -96,12 +98,25 @@ long ParseOrRefuse(const KelInputSource& source, DOM_Document& document) {
   }
 }
 
+// The parser's exceptions are gone before the platform may be.
+long ParseOnPlatform(const KelInputSource& source, DOM_Document& document) {
+  std::optional<KelXmlPlatform::Use> platform;
+  try {
+    platform.emplace();
+  } catch (const std::exception& exception) {
+    return Refuse(source, KelXmlFailure(exception.what()));
+  } catch (...) {
+    return Refuse(source, KelXmlFailure("the parser's library cannot be started"));
+  }
+  return ParseOrRefuse(source, document);
+}
+
 }  // namespace
 
 long KelXMLParseServices::XMLParse(const KelInputSource& source, DOM_Document& document) {
   document = DOM_Document();
   try {
-    return ParseOrRefuse(source, document);
+    return ParseOnPlatform(source, document);
   } catch (...) {
     // There was no memory left to say why.
     return E_FAIL;

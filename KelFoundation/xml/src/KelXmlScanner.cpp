@@ -7,6 +7,7 @@
 
 #include "KelXmlFailure.h"
 #include "KelXmlInput.h"
+#include "KelXmlPlatform.h"
 #include "KelXmlUtf8.h"
 
 namespace {
@@ -38,7 +39,7 @@ class ScanBounds {
 
 }  // namespace
 
-KelXmlScanner::KelXmlScanner() {
+KelXmlScanner::KelXmlScanner() : _life(KelXmlPlatform::Life()) {
   // What is made before a failure needs no care of its own: it goes with `_memory`.
   _grammars = new (&_memory) xercesc::GrammarResolver(nullptr, &_memory);
   // The one that reads document types and looks for double attributes in a table: the plainest one
@@ -49,9 +50,8 @@ KelXmlScanner::KelXmlScanner() {
 }
 
 KelXmlScanner::~KelXmlScanner() {
-  // After a failed allocation the scanner is in no state to be taken apart; its memory is released
-  // as a whole.
-  if (_outOfMemory) return;
+  // Where it cannot be taken apart, its memory is released as a whole.
+  if (!IsWhole()) return;
   delete _scanner;
   delete _grammars;
 }
@@ -91,8 +91,12 @@ void KelXmlScanner::Run(const KelXmlSource& document) {
   _scanner->scanDocument(input);
 }
 
+// After a failed allocation the scanner is in no state to be taken apart, nor is it when the host
+// has shut the platform down: parts of it belonged to that.
+bool KelXmlScanner::IsWhole() const { return !_outOfMemory && _life == KelXmlPlatform::Life(); }
+
 bool KelXmlScanner::IsReusable() const {
-  return !_outOfMemory && _memory.Held() <= kKeptMemory &&
+  return IsWhole() && _memory.Held() <= kKeptMemory &&
          _scanner->getXMLVersion() == xercesc::XMLReader::XMLV1_0;
 }
 

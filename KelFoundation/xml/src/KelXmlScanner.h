@@ -4,6 +4,7 @@
 // and a document costs no more memory than its text and its nodes.
 #pragma once
 
+#include <cstdint>
 #include <xercesc/framework/XMLEntityHandler.hpp>
 #include <xercesc/framework/XMLErrorReporter.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
@@ -27,8 +28,8 @@ class KelXmlScanner : private xercesc::XMLErrorReporter, private xercesc::XMLEnt
   void Scan(const KelXmlSource& document, KelXmlTree& tree);
 
   // Whether another document should be read with it: not when it ran out of memory in the middle
-  // of its work, not when it holds on to much, and not after XML 1.1, which it would keep to where
-  // the next document does not say.
+  // of its work, not when the platform it was made on is gone, not when it holds on to much, and
+  // not after XML 1.1, which it would keep to where the next document does not say.
   bool IsReusable() const;
 
  private:
@@ -44,6 +45,7 @@ class KelXmlScanner : private xercesc::XMLErrorReporter, private xercesc::XMLEnt
   void resetEntities() override {}
 
   void Configure();
+  bool IsWhole() const;
   void Run(const KelXmlSource& document);
 
   // First, so that it goes last: all that follows lives in it.
@@ -52,5 +54,6 @@ class KelXmlScanner : private xercesc::XMLErrorReporter, private xercesc::XMLEnt
   xercesc::SecurityManager _security;
   xercesc::GrammarResolver* _grammars = nullptr;
   xercesc::XMLScanner* _scanner = nullptr;
+  const std::uint64_t _life;
   bool _outOfMemory = false;
 };

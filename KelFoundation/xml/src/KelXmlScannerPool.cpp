@@ -1,23 +1,11 @@
 #include "KelXmlScannerPool.h"
 
 #include <mutex>
-#include <stdexcept>
 #include <vector>
-#include <xercesc/util/PanicHandler.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/XMLUni.hpp>
 
 namespace {
 
 constexpr std::size_t kMostIdle = 4;
-
-// The parser's own answer to trouble is to end the process.
-class ThrowingPanicHandler : public xercesc::PanicHandler {
- public:
-  void panic(const PanicReasons reason) override {
-    throw std::runtime_error(getPanicReasonString(reason));
-  }
-};
 
 struct Pool {
   // Room for all of them, so that giving one back cannot fail.
@@ -33,23 +21,13 @@ Pool& ThePool() {
   return pool;
 }
 
-// Never undone either: the host may use the parser's library for itself.
-void StartPlatform() {
-  static ThrowingPanicHandler panicHandler;
-  static std::once_flag once;
-  std::call_once(once, [] {
-    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
-                                          &panicHandler);
-  });
-}
-
 }  // namespace
 
 std::unique_ptr<KelXmlScanner> KelXmlScannerPool::Take() {
-  StartPlatform();
   Pool& pool = ThePool();
   {
     const std::lock_guard lock(pool.mutex);
+    std::erase_if(pool.idle, [](const auto& scanner) { return !scanner->IsReusable(); });
     if (!pool.idle.empty()) {
       std::unique_ptr<KelXmlScanner> scanner = std::move(pool.idle.back());
       pool.idle.pop_back();

@@ -5,6 +5,7 @@
 
 #include "KelXmlScanner.h"
 
+// Used while the platform is kept up (KelXmlPlatform::Use).
 class KelXmlScannerPool {
  public:
   // A parser for one document, made when none is idle. Throws what making one throws.
