@@ -52,6 +52,11 @@ function(zetnorv_shared_library target)
     SOVERSION ${PROJECT_VERSION_MAJOR}
     INSTALL_RPATH "$ORIGIN"
     VERIFY_INTERFACE_HEADER_SETS ${ZETNORV_DEVELOPER})
+  if(UNIX AND NOT APPLE)
+    set(own_names "${PROJECT_SOURCE_DIR}/cmake/OwnNames.map")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${own_names}")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${own_names}")
+  endif()
   install(TARGETS ${target}
     EXPORT ${arg_EXPORT}
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
