@@ -1,7 +1,7 @@
 #include "pdm-client/Messages.h"
 
 #include <array>
-#include <cstdio>
+#include <charconv>
 
 #include "pdm-client/TagText.h"
 
@@ -23,10 +23,11 @@ std::string request(int operation, const std::string& rest) {
   return numberBytes(static_cast<std::uint32_t>(operation)) + rest;
 }
 
+// With a point, whatever the locale of the client's user writes.
 std::string decimal(double value) {
   char text[32];
-  std::snprintf(text, sizeof text, "%.6f", value);
-  return text;
+  const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6).ptr;
+  return std::string(text, end);
 }
 
 // What a server wants to know about an item, whatever kind of element carries it.
