@@ -7,7 +7,7 @@
 // How much larger the frames are than those of an ordinary build, at most: sanitizers put space
 // around every variable.
 #if defined(__SANITIZE_ADDRESS__)
-inline constexpr std::size_t kFrameFactor = 5;
+inline constexpr std::size_t kFrameFactor = 2;
 #else
 inline constexpr std::size_t kFrameFactor = 1;
 #endif
