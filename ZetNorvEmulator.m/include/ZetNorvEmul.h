@@ -2,7 +2,8 @@
 //
 // Modes (see ZetNorvToolBox::getModeValue): "SAVE" records, "REPLAY" and "OLDREPLAY" check requests
 // and replay answers, "SCAN" only checks. A hook never stops the exchange: whatever it returns, the
-// client goes on. Failures are a trace line and E_FAIL; nothing is thrown.
+// client goes on. Failures are a trace line and E_FAIL; nothing is thrown, and errno is left as it
+// was.
 //
 // All state is static and not synchronised: one thread exchanges one message at a time.
 #pragma once

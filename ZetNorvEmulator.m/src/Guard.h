@@ -2,6 +2,7 @@
 // runs in here.
 #pragma once
 
+#include <cerrno>
 #include <cstdio>
 
 #include "KelLib.h"
@@ -9,10 +10,24 @@
 
 namespace zetnorv {
 
+// Gives the caller its error number back: a hook may stand between the client's receiving and its
+// look at why that failed.
+class KeptErrorNumber {
+ public:
+  KeptErrorNumber() : _before(errno) {}
+  ~KeptErrorNumber() { errno = _before; }
+  KeptErrorNumber(const KeptErrorNumber&) = delete;
+  KeptErrorNumber& operator=(const KeptErrorNumber&) = delete;
+
+ private:
+  int _before;
+};
+
 // Runs `body` and returns its result, or E_FAIL with the trace line "Problem in <operation>:
 // exception" when it throws.
 template <class Body>
 long guarded(const char* operation, Body&& body) noexcept {
+  const KeptErrorNumber errorNumber;
   try {
     return body();
   } catch (...) {

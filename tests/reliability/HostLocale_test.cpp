@@ -28,6 +28,17 @@ struct Place {
   Change change;
 };
 
+#if defined(HOSTILE_LOCALES)
+// Where the system looks for them: colons of the build's own path would be taken for separators.
+std::string foundLocales() {
+  static const ScratchDirectory folder;
+  std::filesystem::copy(
+      HOSTILE_LOCALES, folder.path(),
+      std::filesystem::copy_options::recursive | std::filesystem::copy_options::skip_existing);
+  return folder.path().string();
+}
+#endif
+
 std::vector<Place> hostilePlaces() {
   std::vector<Place> places = {
       {"odd streams", [](Environment&) { return std::make_shared<OddStreams>(); }},
@@ -44,7 +55,7 @@ std::vector<Place> hostilePlaces() {
   // byte is a backslash or a letter.
   for (const char* name : {"tr_TR.ISO-8859-9", "zh_CN.GBK"}) {
     places.push_back({name, [name](Environment& environment) {
-                        return std::make_shared<NamedLocale>(environment, HOSTILE_LOCALES, name);
+                        return std::make_shared<NamedLocale>(environment, foundLocales(), name);
                       }});
   }
 #endif
