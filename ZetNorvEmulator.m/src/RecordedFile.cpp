@@ -42,7 +42,7 @@ class FreeNumbers {
     }
     int& k = _next[{kind, op}];
     std::string path = pathOf(kind, op, k);
-    while (opens(path)) path = pathOf(kind, op, ++k);
+    while (opens(path) || isThere(path)) path = pathOf(kind, op, ++k);
     return path;
   }
 
@@ -66,6 +66,13 @@ class FreeNumbers {
     if (file.open(path.c_str(), "r") != S_OK) return false;
     file.close();
     return true;
+  }
+
+  // A file may fail to open for reasons that pass (no descriptor left) and open for writing
+  // afterwards: what was recorded must not be written over.
+  static bool isThere(const std::string& path) {
+    KelFileStamp stamp;
+    return KelFStamp(KelUnicodeString(path.c_str()).ConvertToWide(), &stamp) == S_OK;
   }
 
   std::string _directory;

@@ -306,6 +306,15 @@ TEST_F(RecordingTest, AFullDiskLeavesNoAnswerFileAndTheLineOfAnAnswerThatIsNotTh
   EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_0.txt><3>\n");
 }
 
+TEST_F(RecordingTest, AFileThatFailsToOpenForReadingIsNotWrittenOver) {
+  send(request(12, "earlier"));
+  FaultyFileSystem files;
+  files.fail(FaultyFileSystem::Call::kOpenRead, 1, FaultyFileSystem::Times::kAlways);
+  EXPECT_EQ(send(request(12, "later")), S_OK);
+  EXPECT_EQ(readBytes(reference("save12_0.txt")), request(12, "earlier"));
+  EXPECT_EQ(readBytes(reference("save12_1.txt")), request(12, "later"));
+}
+
 TEST_F(RecordingTest, AFullDiskLeavesNoHalfLine) {
   send(request(12, "before"));
   FaultyFileSystem files;
