@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <set>
 #include <utility>
 
 #include "Guard.h"
@@ -40,14 +41,25 @@ class FreeNumbers {
       made(MString(_directory.c_str()));
       _next.clear();
     }
+    forgetLostElsewhere();
+    const std::set<int>& lost = _lost[{kind, op}];
     int& k = _next[{kind, op}];
-    std::string path = pathOf(kind, op, k);
-    while (opens(path) || isThere(path)) path = pathOf(kind, op, ++k);
-    return path;
+    while (true) {
+      std::string path = pathOf(kind, op, k);
+      if (!lost.contains(k) && !opens(path) && !isThere(path)) return path;
+      ++k;
+    }
   }
 
   // Notes that the number which nextPath gave last is taken now.
   void take(Recorded kind, int op) { ++_next[{kind, op}]; }
+
+  // Notes that no file gets the number which nextPath gave last: an index line tells of a file of
+  // that number, which is lost.
+  void lose(Recorded kind, int op) {
+    forgetLostElsewhere();
+    _lost[{kind, op}].insert(_next[{kind, op}]);
+  }
 
  private:
   static const char* made(const MString& directory) {
@@ -75,9 +87,21 @@ class FreeNumbers {
     return KelFStamp(KelUnicodeString(path.c_str()).ConvertToWide(), &stamp) == S_OK;
   }
 
+  // The directory's name may have come to stand for another one: the drive's root is not fixed.
+  void forgetLostElsewhere() {
+    std::string native = KelNativePath(KelUnicodeString(_directory.c_str()).ConvertToWide());
+    if (native == _native) return;
+    _native = std::move(native);
+    _lost.clear();
+  }
+
+  using Series = std::pair<Recorded, int>;
+
   std::string _directory;
+  std::string _native;  // the directory that `_lost` is about
   KelDirectoryWatch _watch;
-  std::map<std::pair<Recorded, int>, int> _next;
+  std::map<Series, int> _next;
+  std::map<Series, std::set<int>> _lost;
 };
 
 // What is known of the directory that is recorded into; one at a time.
@@ -101,19 +125,26 @@ void reportEmpty(Recorded kind, int op) {
   ZetNorvToolBox::writeLog(line);
 }
 
+enum class Filled {
+  kWhole,
+  kNotOpened,  // nothing is there
+  kRemoved,    // broken, and gone
+  kBroken,     // and could not be removed
+};
+
 // Fills the new file `path`; one that could not be filled is removed.
-long fill(const std::string& path, const char* message, int size) {
+Filled fill(const std::string& path, const char* message, int size) {
   MFile file;
   if (file.open(path.c_str(), "w") != S_OK) {
     ZetNorvTrace.TraPutLN(2, "Problem with KelFOpen w!");
-    return E_FAIL;
+    return Filled::kNotOpened;
   }
   const long written = message == nullptr ? S_OK : file.write(message, size);
   const long closed = file.close();
-  if (written == S_OK && closed == S_OK) return S_OK;
+  if (written == S_OK && closed == S_OK) return Filled::kWhole;
   ZetNorvTrace.TraPutLN(2, "Problem with KelFWrite!");
-  KelFRemove(KelUnicodeString(path.c_str()).ConvertToWide());
-  return E_FAIL;
+  const long removed = KelFRemove(KelUnicodeString(path.c_str()).ConvertToWide());
+  return removed == S_OK ? Filled::kRemoved : Filled::kBroken;
 }
 
 }  // namespace
@@ -127,9 +158,15 @@ RecordedFile writeRecordedFile(Recorded kind, int op, const char* message, int s
   if (ZetNorvToolBox::getRefPath(reference) != S_OK) return {E_FAIL, {}};
   FreeNumbers& numbers = numbersOf(reference);
   std::string path = numbers.nextPath(kind, op);
-  const long result = fill(path, message, size);
-  if (result == S_OK) numbers.take(kind, op);
-  return {result, std::move(path)};
+  const Filled filled = fill(path, message, size);
+  if (filled == Filled::kWhole) {
+    numbers.take(kind, op);
+    return {S_OK, std::move(path)};
+  }
+  // Nothing that is there, now or later, may be read as the answer that was lost.
+  if (filled == Filled::kBroken) path = numbers.nextPath(kind, op);
+  if (filled != Filled::kNotOpened && kind == Recorded::kAnswer) numbers.lose(kind, op);
+  return {E_FAIL, std::move(path)};
 }
 
 }  // namespace zetnorv

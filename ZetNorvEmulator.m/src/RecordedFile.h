@@ -13,7 +13,8 @@ struct RecordedFile {
   // S_OK when the file is complete and closed.
   long result;
   // Its full path, empty when it did not come to one. A path with a failed result names a file that
-  // is not there: what could not be written whole was removed.
+  // is not there: what could not be written whole was removed, and no later answer of this process
+  // gets the name. Only when the file could not even be opened is its number still free.
   std::string path;
 };
 

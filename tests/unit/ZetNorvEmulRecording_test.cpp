@@ -315,6 +315,31 @@ TEST_F(RecordingTest, AFileThatFailsToOpenForReadingIsNotWrittenOver) {
   EXPECT_EQ(readBytes(reference("save12_1.txt")), request(12, "later"));
 }
 
+TEST_F(RecordingTest, TheNameOfALostAnswerIsNoOtherAnswers) {
+  send(request(12, "x"));
+  FaultyFileSystem files;
+  files.fail(FaultyFileSystem::Call::kWrite, 1);
+  EXPECT_EQ(receive("lost", 3).result, S_OK);
+  EXPECT_EQ(receive("next", 4).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_0.txt><3>\n<12><rep12_1.txt><4>\n");
+  EXPECT_FALSE(exists(reference("rep12_0.txt")));
+  EXPECT_EQ(readBytes(reference("rep12_1.txt")), "next");
+}
+
+TEST_F(RecordingTest, AHalfAnswerThatCannotBeRemovedIsNamedByNoLine) {
+  send(request(12, "x"));
+  FaultyFileSystem files;
+  files.limitTransfers(3);
+  files.fail(FaultyFileSystem::Call::kWrite, 2);
+  files.fail(FaultyFileSystem::Call::kRemove, 1);
+  EXPECT_EQ(receive("lost", 3).result, S_OK);
+  EXPECT_EQ(receive("next", 4).result, S_OK);
+  EXPECT_EQ(readBytes(reference("rep12_0.txt")), "los");
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_1.txt><3>\n<12><rep12_2.txt><4>\n");
+  EXPECT_FALSE(exists(reference("rep12_1.txt")));
+  EXPECT_EQ(readBytes(reference("rep12_2.txt")), "next");
+}
+
 TEST_F(RecordingTest, AFullDiskLeavesNoHalfLine) {
   send(request(12, "before"));
   FaultyFileSystem files;
