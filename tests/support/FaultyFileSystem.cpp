@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "DoomedProgram.h"
 #include "KelLib.h"
 
 FaultyFileSystem::FaultyFileSystem() : _before(KelFileSystem::Install(this)) {}
@@ -21,7 +22,10 @@ bool FaultyFileSystem::fails(Call call) {
 }
 
 bool FaultyFileSystem::meets(Call call) {
-  if (_callsToLive > 0 && --_callsToLive == 0) std::_Exit(kKilled);
+  if (_callsToLive > 0 && --_callsToLive == 0) {
+    if (_kill == Kill::kBySignal) killThisProcess();
+    std::_Exit(kKilled);
+  }
   _calls.push_back(call);
   return fails(call);
 }

@@ -44,10 +44,14 @@ class FaultyFileSystem : public KelFileSystem {
   // Makes the `nth` of the following writes take half of its bytes and all behind it fail: a disk
   // that is full.
   void fillDiskAtWrite(int nth = 1);
-  // Ends the process with the status kKilled at the `nth` of the following calls, as a kill from
-  // outside would: nothing is flushed or cleaned up, and the call is not made. Of a long write,
-  // which the system may do in pieces, half is made.
-  void killAtCall(int nth) { _callsToLive = nth; }
+  // Ends the process at the `nth` of the following calls, with the status kKilled or by the signal
+  // that nobody can catch, as a kill from outside would: nothing is flushed or cleaned up, and the
+  // call is not made. Of a long write, which the system may do in pieces, half is made.
+  enum class Kill { kByStatus, kBySignal };
+  void killAtCall(int nth, Kill kill = Kill::kByStatus) {
+    _callsToLive = nth;
+    _kill = kill;
+  }
   static constexpr int kKilled = 99;
   // Lets one read or write move at most `most` bytes.
   void limitTransfers(std::size_t most) { _most = most; }
@@ -93,6 +97,7 @@ class FaultyFileSystem : public KelFileSystem {
   std::size_t _most = std::numeric_limits<std::size_t>::max();
   bool _halfTaken = true;  // the last write before a full disk
   int _callsToLive = 0;    // 0: for ever
+  Kill _kill = Kill::kByStatus;
   int _faults = 0;
   int _openFiles = 0;
   KelFileSystem* _before;
