@@ -1,7 +1,10 @@
 #include "DatabaseFile.h"
 
-#include <cstring>
+#include <cstddef>
+#include <sstream>
+#include <utility>
 
+#include "KelFile.h"
 #include "KelLib.h"
 #include "MFile.h"
 #include "ZetNorvDb_Record.h"
@@ -13,19 +16,16 @@ namespace {
 
 constexpr int kFields = 9;
 constexpr int kColumns = 10;
-constexpr int kPieceBytes = 1024;
 
-// Reads a line of any length, with its line feed. False at the end of the file.
-bool readLine(MFile& file, std::string& line) {
-  line.clear();
-  char piece[kPieceBytes] = {};
-  while (file.gets(piece, kPieceBytes) == S_OK) {
-    const std::size_t length = std::strlen(piece);
-    line.append(piece, length);
-    const bool cutByBuffer = length == kPieceBytes - 1 && piece[length - 1] != '\n';
-    if (!cutByBuffer) return true;
-  }
-  return !line.empty();
+// Reads all of the open file. Rows are made of what is known to be whole only: of a line that broke
+// off, the last field would be taken as far as it goes.
+long readAll(const MFile& source, std::string& text) {
+  int size = 0;
+  if (KelFSize(source._descriptor, &size) != S_OK) return E_FAIL;
+  text.resize(static_cast<std::size_t>(size));
+  const long result = KelFRead(source._descriptor, text.data(), size, &size);
+  text.resize(static_cast<std::size_t>(size));
+  return result;
 }
 
 // Puts the fields of `line` with a comma behind each into `fields`. False when one is missing or
@@ -62,9 +62,15 @@ MString databaseFile(const MString& directory) {
 long readDatabase(const MString& file, ZetNorvDb_Table& table) {
   MFile source;
   if (source.open(file.gchar(), "r") != S_OK) return E_FAIL;
-  std::string line;
-  while (readLine(source, line)) addRow(MString(line.c_str()), table);
+  std::string text;
+  const long result = readAll(source, text);
   source.close();
+  if (result != S_OK) {
+    ZetNorvTrace.TraPutLN(2, "Problem in ZetNorvDb::ZetNorvDb with KelFRead!");
+    return S_OK;
+  }
+  std::istringstream lines(std::move(text));
+  for (std::string line; std::getline(lines, line);) addRow(MString(line.c_str()), table);
   return S_OK;
 }
 

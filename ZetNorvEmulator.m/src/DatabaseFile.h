@@ -18,14 +18,15 @@ MString databaseFile(const MString& directory);
 // tells it on the trace. A tenth group becomes the row's info. `file` may be null or missing: no
 // rows.
 //
-// Returns E_FAIL when the file does not open.
+// Returns E_FAIL when the file does not open. One that cannot be read to its end is traced and
+// gives no rows.
 long readDatabase(const MString& file, ZetNorvDb_Table& table);
 
 // Appends `line`, its line feed included, to `file` with one write, so that whoever reads the file
 // sees whole lines. `openings` grows by one when the file opens.
 //
-// Returns E_FAIL, with the cause traced, when the line could not be written. After a write that
-// ended half way (disk full) the file keeps what was taken.
+// Returns E_FAIL, with the cause traced, when the line could not be written: what the file had
+// taken of it (disk full) is cut off again.
 long appendToDatabase(const MString& file, const std::string& line, int& openings);
 
 }  // namespace zetnorv

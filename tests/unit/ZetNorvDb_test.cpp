@@ -207,6 +207,17 @@ TEST_F(ZetNorvDbTest, ReadThatFailsEndsTheLoadWithoutRows) {
   EXPECT_EQ(ZetNorvDb::_database.getSize(), 0);
 }
 
+TEST_F(ZetNorvDbTest, ReadThatFailsInALineGivesNoCutRow) {
+  writeBytes(loaded(), row("A") + "\n" + row("B") + "\n");
+  const int lineBytes = static_cast<int>(row("A").size()) + 1;
+  FaultyFileSystem files;
+  files.limitTransfers(1);
+  files.fail(FaultyFileSystem::Call::kRead, lineBytes - 3);
+  construct();
+  EXPECT_EQ(ZetNorvDb::_database.getSize(), 0);
+  EXPECT_TRUE(trace.has("Problem in ZetNorvDb::ZetNorvDb with KelFRead!"));
+}
+
 TEST_F(ZetNorvDbTest, WhatOneProcessAppendsTheNextOneFinds) {
   stageExample();
   EXPECT_EQ(build(answer(kReference + kDocument)), S_OK);
