@@ -101,7 +101,8 @@ void BaliseXML::modifChildP(int i, const BaliseXML* child) {
   if (i < 0 || i >= _nbChildren) return;
   // What is replaced goes last: `child` may be it, or this tag, which holds it.
   std::unique_ptr<BaliseXML> before(_child[i]);
-  _child[i] = child == nullptr ? new (std::nothrow) BaliseXML("ERROR") : zetnorv::newCopy(child);
+  _child[i] = child == nullptr ? zetnorv::noted(new (std::nothrow) BaliseXML("ERROR"))
+                               : zetnorv::newCopy(child);
 }
 
 int BaliseXML::operator==(const BaliseXML& o) const {

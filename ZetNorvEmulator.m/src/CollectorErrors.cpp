@@ -110,7 +110,8 @@ CollectorErrors::~CollectorErrors() {
 void CollectorErrors::addError(int code, const char* name, const char* details) {
   if (name == nullptr) ZetNorvTrace.TraPutLN(2, "addError: name == NULL");
   if (details == nullptr) ZetNorvTrace.TraPutLN(2, "addError: details == NULL");
-  std::unique_ptr<ErrorRecord> record(new (std::nothrow) ErrorRecord(code, name, details));
+  std::unique_ptr<ErrorRecord> record(
+      zetnorv::noted(new (std::nothrow) ErrorRecord(code, name, details)));
   zetnorv::appendSlot(_records, _nbRecords, _capacity, kIncrement, std::move(record));
 }
 

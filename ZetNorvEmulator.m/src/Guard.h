@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "KelLib.h"
+#include "RefusedMemory.h"
 #include "ZetNorvTrace.h"
 
 namespace zetnorv {
@@ -28,9 +29,11 @@ class KeptErrorNumber {
 template <class Body>
 long guarded(const char* operation, Body&& body) noexcept {
   const KeptErrorNumber errorNumber;
+  const RefusedMemory::Call call;
   try {
     return body();
   } catch (...) {
+    RefusedMemory::note();
     char line[160];
     std::snprintf(line, sizeof line, "Problem in %s: exception", operation);
     ZetNorvTrace.TraPutLN(2, line);

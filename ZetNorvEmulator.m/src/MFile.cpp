@@ -17,7 +17,7 @@ constexpr int kLineBytes = 1024;
 // Opens `name` through the foundation; `*descriptor` is 0 unless it worked.
 long openDescriptor(const char* name, const char* mode, int* descriptor) {
   *descriptor = 0;
-  if (name == nullptr || mode == nullptr) return E_FAIL;
+  if (name == nullptr || mode == nullptr || zetnorv::RefusedMemory::wasMet()) return E_FAIL;
   return guarded("MFile::open", [&] {
     const KelUnicodeString path(name);
     return KelFOpen(path.ConvertToWide(), mode, descriptor);

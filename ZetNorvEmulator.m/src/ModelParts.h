@@ -18,7 +18,7 @@ inline constexpr int kModelGrowth = 5;
 // A new part of a model; null when it is refused.
 template <class Part, class... Arguments>
 std::unique_ptr<Part> newPart(Arguments... arguments) {
-  return std::unique_ptr<Part>(new (std::nothrow) Part(arguments...));
+  return std::unique_ptr<Part>(noted(new (std::nothrow) Part(arguments...)));
 }
 
 // Each appends `part`, which was refused when it is null: that takes a slot as well.

@@ -11,11 +11,20 @@
 #include <memory>
 #include <new>
 
+#include "RefusedMemory.h"
+
 namespace zetnorv {
+
+// What was allocated; a null pointer, which tells of a refusal, is noted.
+template <class T>
+T* noted(T* allocated) noexcept {
+  if (allocated == nullptr) RefusedMemory::note();
+  return allocated;
+}
 
 // `n` zero bytes, or null. Released with releaseBytes(), or with delete[] by a host that it was
 // handed to.
-inline char* newBytes(std::size_t n) { return new (std::nothrow) char[n](); }
+inline char* newBytes(std::size_t n) { return noted(new (std::nothrow) char[n]()); }
 
 // A copy of `n` bytes followed by a NUL, or null.
 inline char* copyBytes(const char* bytes, std::size_t n) {
@@ -45,7 +54,7 @@ class OwnedBytes {
 // `n` default-built elements, or null when they are refused or `n` is below 1.
 template <class T>
 T* newElements(int n) {
-  return n < 1 ? nullptr : new (std::nothrow) T[static_cast<std::size_t>(n)];
+  return n < 1 ? nullptr : noted(new (std::nothrow) T[static_cast<std::size_t>(n)]);
 }
 
 // Destroys the elements, last to first.
@@ -66,7 +75,7 @@ inline std::size_t slotsInMemory(int capacity) {
 // array that growSlots() is given comes from here.
 template <class T>
 T** newSlots(int capacity) {
-  return capacity < 1 ? nullptr : new (std::nothrow) T*[slotsInMemory(capacity)]();
+  return capacity < 1 ? nullptr : noted(new (std::nothrow) T*[slotsInMemory(capacity)]());
 }
 
 // A deep copy of one element: null for null, and when it is refused.
@@ -74,8 +83,9 @@ template <class T>
 T* newCopy(const T* element) noexcept {
   if (element == nullptr) return nullptr;
   try {
-    return new (std::nothrow) T(*element);
+    return noted(new (std::nothrow) T(*element));
   } catch (...) {
+    RefusedMemory::note();
     return nullptr;
   }
 }

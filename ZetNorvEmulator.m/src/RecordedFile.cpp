@@ -155,7 +155,9 @@ RecordedFile writeRecordedFile(Recorded kind, int op, const char* message, int s
     return {E_FAIL, {}};
   }
   MString reference;
-  if (ZetNorvToolBox::getRefPath(reference) != S_OK) return {E_FAIL, {}};
+  if (ZetNorvToolBox::getRefPath(reference) != S_OK || RefusedMemory::wasMet()) {
+    return {E_FAIL, {}};
+  }
   FreeNumbers& numbers = numbersOf(reference);
   std::string path = numbers.nextPath(kind, op);
   const Filled filled = fill(path, message, size);

@@ -15,7 +15,8 @@ constexpr int kFirstSlots = 3;
 
 // A mark as a new row has it: an empty text cut at its commas, which reads "NULL".
 std::unique_ptr<ZetNorvDb_Record> newMark() {
-  return std::unique_ptr<ZetNorvDb_Record>(new (std::nothrow) ZetNorvDb_Record(1, MString(""), 0));
+  return std::unique_ptr<ZetNorvDb_Record>(
+      zetnorv::noted(new (std::nothrow) ZetNorvDb_Record(1, MString(""), 0)));
 }
 
 // The index of the first column whose whole name is a beginning of `column`, or -1.

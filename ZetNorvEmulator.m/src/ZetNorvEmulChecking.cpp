@@ -1,9 +1,11 @@
 // Replay and scan, the request's side: every request is checked against the recorded one of its
 // step.
+#include <exception>
 #include <string>
 
 #include "EmulatorSteps.h"
 #include "Guard.h"
+#include "RefusedMemory.h"
 #include "ScenarioIndex.h"
 #include "XmlText.h"
 #include "ZetNorvBuilders.h"
@@ -47,6 +49,8 @@ IndexFields fieldsAtCursor(const ScenarioIndexReader& index) {
   int number = cursor < 1 ? 1 : (cursor > index.count() ? index.count() : cursor);
   while (true) {
     fields = fieldsOf(index.line(number));
+    // A field that got no memory is nothing to pass over.
+    if (zetnorv::RefusedMemory::wasMet()) return fields;
     if (number == cursor && fields.operation == passedOver) ++cursor;
     if (number >= cursor || number == index.count()) return fields;
     ++number;
@@ -74,6 +78,25 @@ void collect(const Extraction& extraction, const char* message, int size) {
   ZetNorvTrace.TraPutLN(2, "ZetNorvEmul: Test sur l'ids", extraction.table.getSize());
 }
 
+// Forgets the identifiers when memory was refused on the way to them: the answer is served as it
+// was recorded rather than with some of them, or with those of an earlier request.
+class WholeIdentifiers {
+ public:
+  WholeIdentifiers() = default;
+  ~WholeIdentifiers() {
+    const bool whole =
+        std::uncaught_exceptions() == _exceptions && !zetnorv::RefusedMemory::wasMet();
+    if (whole || !carriesIdentifiers(ZetNorvEmul::_nOp)) return;
+    ZetNorvEmul::_ids.Release();
+    ZetNorvEmul::_idsRef.Release();
+  }
+  WholeIdentifiers(const WholeIdentifiers&) = delete;
+  WholeIdentifiers& operator=(const WholeIdentifiers&) = delete;
+
+ private:
+  const int _exceptions = std::uncaught_exceptions();
+};
+
 long compareWithRecording(const char* message, int size, const MString& recorded) {
   ZetNorvTrace.TraPutLN(2, "PelmoMod: microMod run");
   ZetNorvMod mod;
@@ -96,6 +119,7 @@ long compareWithRecording(const char* message, int size, const MString& recorded
 namespace zetnorv {
 
 long checkRequest(const char* message, int size) {
+  const WholeIdentifiers identifiers;
   ZetNorvTrace.TraPutLN(2, "run.");
   MString path;
   if (ZetNorvToolBox::getScePath(path) != S_OK) {
@@ -110,6 +134,10 @@ long checkRequest(const char* message, int size) {
   }
   ZetNorvTrace.TraPutLN(2, "PelmoMod: MString spSplit");
   const IndexFields fields = fieldsAtCursor(index);
+  if (RefusedMemory::wasMet()) {
+    ZetNorvTrace.TraPutLN(2, "Problem in ZetNorvEmul::preWensnd with new");
+    return E_FAIL;
+  }
 
   MString recorded;
   if (ZetNorvToolBox::getRefPath(recorded) != S_OK) return E_FAIL;

@@ -24,6 +24,8 @@ long fail(int level, const char* line) {
   return E_FAIL;
 }
 
+constexpr const char* kNoMemory = "Problem in ZetNorvEmul::postWensnd with new";
+
 // What the index says of one answer.
 struct AnswerFields {
   MString path;            // the recorded file; null when the index has no line
@@ -57,6 +59,8 @@ long fieldsAtCursor(const ScenarioIndexReader& index, AnswerFields& fields) {
   for (; number <= cursor && number <= index.count(); ++number) {
     int operation = 0;
     if (takeFields(index.line(number), fields, operation) != S_OK) return E_FAIL;
+    // A field that got no memory is no other operation's.
+    if (zetnorv::RefusedMemory::wasMet()) return fail(2, kNoMemory);
     if (number == cursor && operation != ZetNorvEmul::_nOp) ++cursor;
   }
   return S_OK;
@@ -68,6 +72,24 @@ void hand(char* bytes, int length, char*& answer, int* size) {
   answer = bytes;
   *size = length;
 }
+
+// Takes the status of the recorded answer back when the live one stays, whatever the reason.
+class StatusOfServed {
+ public:
+  StatusOfServed(char*& answer, int& status)
+      : _answer(answer), _status(status), _live(answer), _liveStatus(status) {}
+  ~StatusOfServed() {
+    if (_answer == _live) _status = _liveStatus;
+  }
+  StatusOfServed(const StatusOfServed&) = delete;
+  StatusOfServed& operator=(const StatusOfServed&) = delete;
+
+ private:
+  char*& _answer;
+  int& _status;
+  char* const _live;
+  const int _liveStatus;
+};
 
 // A new answer around the rewritten `text`: the first four bytes of the recorded header are left at
 // 0 on purpose, the next four hold the text's length.
@@ -95,7 +117,7 @@ long serveRewritten(const std::string& text, const char* recorded, char*& answer
   const int length = static_cast<int>(text.size());
   ZetNorvTrace.TraPutLN(2, "ZetNorvEmul: Copie des buffers modifies", length);
   char* bytes = newAnswer(text);
-  if (bytes == nullptr) return fail(2, "Problem in ZetNorvEmul::postWensnd with new");
+  if (bytes == nullptr) return fail(2, kNoMemory);
   hand(bytes, length + kHeaderBytes, answer, size);
   logRewriting(text, bytes + kHeaderBytes, recorded + kHeaderBytes);
   ZetNorvTrace.TraPutLN(2, "ZetNorvEmul: Fin Copie des buffers modifies");
@@ -125,6 +147,8 @@ long serve(char*& recorded, int length, char*& answer, int* size) {
   std::string text;
   switch (zetnorv::rewriteAnswer(recorded + kHeaderBytes, length - kHeaderBytes, text)) {
     case zetnorv::Rewriting::kDone:
+      // An identifier may have got no memory.
+      if (zetnorv::RefusedMemory::wasMet()) return fail(2, kNoMemory);
       return serveRewritten(text, recorded, answer, size);
     case zetnorv::Rewriting::kNothingToRewrite:
       return servePlain(recorded, length, answer, size);
@@ -169,9 +193,10 @@ long replayAnswer(char** answer, int* size, int* status) {
   if (MFile().load(fields.path, recorded, length) != S_OK) {
     return fail(2, "ZetNorvEmul: error load file2");
   }
-  if (fields.hasStatus) *status = fields.status;
   // Released here unless it became the client's answer.
   const OwnedBytes owner(recorded);
+  const StatusOfServed served(*answer, *status);
+  if (fields.hasStatus) *status = fields.status;
   return serve(recorded, length, *answer, size);
 }
 

@@ -99,6 +99,10 @@ long readBlock(const MString& path, int size, int allocated, char*& data) {
     file.read(block, size);
     file.close();
   }
+  if (zetnorv::RefusedMemory::wasMet()) {
+    zetnorv::releaseBytes(block);
+    return fail("Problem in ZetNorvEmul::ReplayKavFirst with new");
+  }
   data = block;
   return S_OK;
 }

@@ -7,7 +7,8 @@
 namespace zetnorv {
 
 bool ensureDirectory(const MString& path) {
-  const long result = guarded("ensureDirectory", [&] {
+  const long result = guarded("ensureDirectory", [&]() -> long {
+    if (RefusedMemory::wasMet()) return E_FAIL;
     const KelUnicodeString name(path.gchar());
     const long created = KelCreateDirectory(name.ConvertToWide());
     if (created == KelLibSucces) KelMakePath(name.ConvertToWide());
