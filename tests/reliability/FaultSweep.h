@@ -40,7 +40,19 @@ inline std::vector<FaultFamily> onceAndAlways(const char* name, Call call) {
   return {failing(name, call, Times::kOnce), failing(name, call, Times::kAlways)};
 }
 
-// As above, with only a few bytes moved by every read and write.
+// Closing fails, and what was written to a new file is not all there.
+inline std::vector<FaultFamily> losingCloses() {
+  std::vector<FaultFamily> families = onceAndAlways("close_losing", Call::kClose);
+  for (FaultFamily& family : families) {
+    family.plan = [plan = family.plan](FaultyFileSystem& files, int nth) {
+      files.loseBytesAtFailedClose();
+      plan(files, nth);
+    };
+  }
+  return families;
+}
+
+// Every call of a kind, with only a few bytes moved by every read and write.
 inline std::vector<FaultFamily> inPieces(const char* name, Call call) {
   std::vector<FaultFamily> families = onceAndAlways(name, call);
   for (FaultFamily& family : families) {

@@ -125,6 +125,7 @@ std::vector<FaultFamily> reading() {
 std::vector<FaultFamily> writing() {
   return together({onceAndAlways("open", Call::kOpen),
                    onceAndAlways("close", Call::kClose),
+                   losingCloses(),
                    onceAndAlways("write", Call::kWrite),
                    {fullDisk()},
                    inPieces("write_in_pieces", Call::kWrite)});

@@ -451,7 +451,7 @@ std::vector<FaultFamily> opening() {
   return together({onceAndAlways("open", Call::kOpen), onceAndAlways("open_read", Call::kOpenRead),
                    onceAndAlways("open_write", Call::kOpenWrite),
                    onceAndAlways("open_append", Call::kOpenAppend),
-                   onceAndAlways("close", Call::kClose)});
+                   onceAndAlways("close", Call::kClose), losingCloses()});
 }
 
 std::vector<FaultFamily> transferring() {

@@ -45,7 +45,9 @@ long FaultyFileSystem::Open(const std::string& path, Mode mode, int* handle) {
                                            : Call::kOpenAppend;
   if (meets(Call::kOpen) || fails(call)) return E_FAIL;
   const long result = _before->Open(path, mode, handle);
-  if (result == S_OK) ++_openFiles;
+  if (result != S_OK) return result;
+  ++_openFiles;
+  if (mode == Mode::kWrite) _written.insert(*handle);
   return result;
 }
 
@@ -64,8 +66,16 @@ long FaultyFileSystem::Write(int handle, const char* buffer, std::size_t n, std:
 
 long FaultyFileSystem::Close(int handle) {
   --_openFiles;
+  const bool failing = meets(Call::kClose);
+  const bool written = _written.erase(handle) > 0;
+  if (failing && written && _closeLoses) loseHalf(handle);
   const long result = _before->Close(handle);
-  return meets(Call::kClose) ? E_FAIL : result;
+  return failing ? E_FAIL : result;
+}
+
+void FaultyFileSystem::loseHalf(int handle) {
+  std::int64_t size = 0;
+  if (_before->Size(handle, &size) == S_OK) _before->Truncate(handle, size / 2);
 }
 
 long FaultyFileSystem::Size(int handle, std::int64_t* size) {

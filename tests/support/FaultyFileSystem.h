@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <limits>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,9 @@ class FaultyFileSystem : public KelFileSystem {
     _kill = kill;
   }
   static constexpr int kKilled = 99;
+  // Makes a failing close cost a file that was opened for writing the second half of its bytes, as
+  // where they are stored only then.
+  void loseBytesAtFailedClose() { _closeLoses = true; }
   // Lets one read or write move at most `most` bytes.
   void limitTransfers(std::size_t most) { _most = most; }
 
@@ -92,12 +96,16 @@ class FaultyFileSystem : public KelFileSystem {
   // The same, and notes the call, unless it is the one that ends the process.
   bool meets(Call call);
 
+  void loseHalf(int handle);
+
   std::map<Call, Fault> _planned;
   std::vector<Call> _calls;
   std::size_t _most = std::numeric_limits<std::size_t>::max();
   bool _halfTaken = true;  // the last write before a full disk
   int _callsToLive = 0;    // 0: for ever
   Kill _kill = Kill::kByStatus;
+  bool _closeLoses = false;
+  std::set<int> _written;  // the handles that were opened for writing
   int _faults = 0;
   int _openFiles = 0;
   KelFileSystem* _before;
