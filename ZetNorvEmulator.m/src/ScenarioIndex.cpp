@@ -77,8 +77,8 @@ long ScenarioIndexReader::open(const char* path) {
   char* bytes = nullptr;
   int size = 0;
   if (MFile().load(MString(path), bytes, size) != S_OK) return E_FAIL;
+  const OwnedBytes owner(bytes);
   content.text.assign(bytes, static_cast<std::size_t>(size));
-  releaseBytes(bytes);
   content.starts = lineStarts(content.text);
   // Taken before the file was read: a change in between gives the file another stamp.
   content.stamp = stamp;
