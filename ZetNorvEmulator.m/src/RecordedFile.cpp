@@ -21,7 +21,10 @@ namespace {
 
 const char* prefixOf(Recorded kind) { return kind == Recorded::kRequest ? "save" : "rep"; }
 
-// The smallest free number of every kind of file in one directory.
+// The files of one operation and kind.
+using Series = std::pair<Recorded, int>;
+
+// The free numbers of every kind of file in one directory.
 //
 // A number that is taken stays taken until a name goes from the directory, so the search goes on
 // where it ended last time. The directory is watched: when something went from it, or when that
@@ -35,30 +38,51 @@ class FreeNumbers {
 
   const std::string& directory() const { return _directory; }
 
-  // The path with the smallest free number for `kind` and `op`.
-  std::string nextPath(Recorded kind, int op) {
+  std::string pathOf(const Series& series, int number) const {
+    char name[48];
+    std::snprintf(name, sizeof name, "\\%s%d_%d.txt", prefixOf(series.first), series.second,
+                  number);
+    return _directory + name;
+  }
+
+  // The smallest free number.
+  int smallest(const Series& series) {
     if (_watch.Changed()) {
       made(MString(_directory.c_str()));
       _next.clear();
     }
     forgetLostElsewhere();
-    const std::set<int>& lost = _lost[{kind, op}];
-    int& k = _next[{kind, op}];
-    while (true) {
-      std::string path = pathOf(kind, op, k);
-      if (!lost.contains(k) && !opens(path) && !isThere(path)) return path;
-      ++k;
-    }
+    int& next = _next[series];
+    next = freeFrom(series, next);
+    return next;
   }
 
-  // Notes that the number which nextPath gave last is taken now.
-  void take(Recorded kind, int op) { ++_next[{kind, op}]; }
+  // The smallest free number that no index line names.
+  int smallestUnnamed(const Series& series) {
+    const int number = smallest(series);
+    const auto named = _named.find(series);
+    const bool isNamed = named != _named.end() && named->second == number;
+    return isNamed ? freeFrom(series, number + 1) : number;
+  }
 
-  // Notes that no file gets the number which nextPath gave last: an index line tells of a file of
-  // that number, which is lost.
-  void lose(Recorded kind, int op) {
-    forgetLostElsewhere();
-    _lost[{kind, op}].insert(_next[{kind, op}]);
+  // Notes that the number, which is the smallest unnamed one, is taken now.
+  void take(const Series& series, int number) {
+    forgetNamed(series, number);
+    _next[series] = number + 1;
+  }
+
+  // Notes that no file gets the number from here on: an index line tells of a file of that number,
+  // which is lost.
+  void lose(const Series& series, int number) {
+    forgetNamed(series, number);
+    _lost[series].insert(number);
+  }
+
+  // Notes that an index line tells of a file of the smallest free number, which could not be
+  // opened. It stays the smallest until a file with another one is there.
+  void name(const Series& series, int number) {
+    forgetNamed(series, number);
+    _named[series] = number;
   }
 
  private:
@@ -67,10 +91,21 @@ class FreeNumbers {
     return directory.gchar();
   }
 
-  std::string pathOf(Recorded kind, int op, int k) const {
-    char name[48];
-    std::snprintf(name, sizeof name, "\\%s%d_%d.txt", prefixOf(kind), op, k);
-    return _directory + name;
+  int freeFrom(const Series& series, int number) {
+    const std::set<int>& lost = _lost[series];
+    while (true) {
+      const std::string path = pathOf(series, number);
+      if (!lost.contains(number) && !opens(path) && !isThere(path)) return number;
+      ++number;
+    }
+  }
+
+  // What is named and is not this number is lost.
+  void forgetNamed(const Series& series, int number) {
+    const auto named = _named.find(series);
+    if (named == _named.end() || named->second == number) return;
+    _lost[series].insert(named->second);
+    _named.erase(named);
   }
 
   static bool opens(const std::string& path) {
@@ -93,15 +128,15 @@ class FreeNumbers {
     if (native == _native) return;
     _native = std::move(native);
     _lost.clear();
+    _named.clear();
   }
 
-  using Series = std::pair<Recorded, int>;
-
   std::string _directory;
-  std::string _native;  // the directory that `_lost` is about
+  std::string _native;  // the directory that `_lost` and `_named` are about
   KelDirectoryWatch _watch;
   std::map<Series, int> _next;
   std::map<Series, std::set<int>> _lost;
+  std::map<Series, int> _named;
 };
 
 // What is known of the directory that is recorded into; one at a time.
@@ -147,6 +182,19 @@ Filled fill(const std::string& path, const char* message, int size) {
   return removed == S_OK ? Filled::kRemoved : Filled::kBroken;
 }
 
+// The number that tells of a file with this number, which was not filled. Nothing that is there,
+// now or later, may be read as the answer that was lost; a lost request is told of by no line.
+int lostNumber(FreeNumbers& numbers, const Series& series, int number, Filled filled) {
+  if (filled != Filled::kRemoved) number = numbers.smallest(series);
+  if (series.first == Recorded::kRequest) return number;
+  if (filled == Filled::kNotOpened) {
+    numbers.name(series, number);
+  } else {
+    numbers.lose(series, number);
+  }
+  return number;
+}
+
 }  // namespace
 
 RecordedFile writeRecordedFile(Recorded kind, int op, const char* message, int size) {
@@ -159,16 +207,15 @@ RecordedFile writeRecordedFile(Recorded kind, int op, const char* message, int s
     return {E_FAIL, {}};
   }
   FreeNumbers& numbers = numbersOf(reference);
-  std::string path = numbers.nextPath(kind, op);
+  const Series series{kind, op};
+  const int number = numbers.smallestUnnamed(series);
+  std::string path = numbers.pathOf(series, number);
   const Filled filled = fill(path, message, size);
   if (filled == Filled::kWhole) {
-    numbers.take(kind, op);
+    numbers.take(series, number);
     return {S_OK, std::move(path)};
   }
-  // Nothing that is there, now or later, may be read as the answer that was lost.
-  if (filled == Filled::kBroken) path = numbers.nextPath(kind, op);
-  if (filled != Filled::kNotOpened && kind == Recorded::kAnswer) numbers.lose(kind, op);
-  return {E_FAIL, std::move(path)};
+  return {E_FAIL, numbers.pathOf(series, lostNumber(numbers, series, number, filled))};
 }
 
 }  // namespace zetnorv

@@ -14,7 +14,7 @@ struct RecordedFile {
   long result;
   // Its full path, empty when it did not come to one. A path with a failed result names a file that
   // is not there: what could not be written whole was removed, and no later answer of this process
-  // gets the name. Only when the file could not even be opened is its number still free.
+  // gets the name. Only answers whose files could not be opened, one after the other, share one.
   std::string path;
 };
 

@@ -326,6 +326,39 @@ TEST_F(RecordingTest, TheNameOfALostAnswerIsNoOtherAnswers) {
   EXPECT_EQ(readBytes(reference("rep12_1.txt")), "next");
 }
 
+TEST_F(RecordingTest, TheNameOfAnAnswerWhoseFileCannotBeOpenedIsNoOtherAnswers) {
+  send(request(12, "x"));
+  FaultyFileSystem files;
+  for (const char* lost : {"lost", "lost too"}) {
+    files.fail(FaultyFileSystem::Call::kOpenWrite, 1);
+    EXPECT_EQ(receive(lost, 3).result, S_OK);
+  }
+  EXPECT_EQ(receive("next", 4).result, S_OK);
+  files.fail(FaultyFileSystem::Call::kOpenWrite, 1);
+  EXPECT_EQ(receive("lost again", 3).result, S_OK);
+  EXPECT_EQ(receive("last", 5).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")),
+            "<12><rep12_0.txt><3>\n<12><rep12_0.txt><3>\n<12><rep12_1.txt><4>\n"
+            "<12><rep12_2.txt><3>\n<12><rep12_3.txt><5>\n");
+  EXPECT_EQ(namesIn(reference()), (Names{"rep12_1.txt", "rep12_3.txt", "save12_0.txt"}));
+  EXPECT_EQ(readBytes(reference("rep12_1.txt")), "next");
+  EXPECT_EQ(readBytes(reference("rep12_3.txt")), "last");
+}
+
+TEST_F(RecordingTest, ANumberThatIsFreeAgainIsTakenBeforeOneThatALineNames) {
+  send(request(12, "x"));
+  EXPECT_EQ(receive("first", 1).result, S_OK);
+  FaultyFileSystem files;
+  files.fail(FaultyFileSystem::Call::kOpenWrite, 1);
+  EXPECT_EQ(receive("lost", 2).result, S_OK);
+  std::filesystem::remove(reference("rep12_0.txt"));
+  EXPECT_EQ(receive("next", 3).result, S_OK);
+  EXPECT_EQ(receive("last", 4).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")),
+            "<12><rep12_0.txt><1>\n<12><rep12_1.txt><2>\n<12><rep12_0.txt><3>\n"
+            "<12><rep12_2.txt><4>\n");
+}
+
 TEST_F(RecordingTest, AHalfAnswerThatCannotBeRemovedIsNamedByNoLine) {
   send(request(12, "x"));
   FaultyFileSystem files;
