@@ -93,12 +93,11 @@ class FreeNumbers {
 
   int freeFrom(const Series& series, int number) {
     const std::set<int>& lost = _lost[series];
-    while (true) {
-      const std::string path = pathOf(series, number);
-      if (!lost.contains(number) && !opens(path) && !isThere(path)) return number;
-      ++number;
-    }
+    while (lost.contains(number) || isTaken(pathOf(series, number))) ++number;
+    return number;
   }
+
+  static bool isTaken(const std::string& path) { return opens(path) || isThere(path); }
 
   // What is named and is not this number is lost.
   void forgetNamed(const Series& series, int number) {
