@@ -54,6 +54,8 @@ void stageCopy(const MString& directory, const MString& name, const FileContent&
   const MString copy = fileIn(directory, name);
   const KelUnicodeString from(unfinished.gchar());
   const KelUnicodeString to(copy.gchar());
+  // A link that somebody left under that name would be followed to another place.
+  KelFRemove(from.ConvertToWide());
   if (MFile().save(unfinished.gchar(), content.bytes(), content.size()) != S_OK ||
       KelFRename(from.ConvertToWide(), to.ConvertToWide()) != S_OK) {
     KelFRemove(from.ConvertToWide());

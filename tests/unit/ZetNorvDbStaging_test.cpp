@@ -234,6 +234,21 @@ TEST_F(ZetNorvDbStagingTest, FullDiskLeavesTheOlderCopyWhole) {
   EXPECT_EQ(readBytes(staging() + "/PN-7.KelPart"), "older");
 }
 
+TEST_F(ZetNorvDbStagingTest, LinksInTheStagingDirectoryAreReplacedAndNotFollowed) {
+  const std::string outside = scratch.file("outside.txt");
+  writeBytes(outside, "untouched");
+  for (const char* name : {".staging", "PN-7.KelPart"}) {
+    std::filesystem::remove_all(staging());
+    std::filesystem::create_directories(staging());
+    std::filesystem::create_symlink(outside, staging() + "/" + name);
+    EXPECT_EQ(stage(request(document(source()))), S_OK);
+    EXPECT_EQ(staged(), Texts{"PN-7.KelPart"}) << name;
+    EXPECT_FALSE(std::filesystem::is_symlink(staging() + "/PN-7.KelPart")) << name;
+    EXPECT_EQ(readBytes(staging() + "/PN-7.KelPart"), "content");
+    EXPECT_EQ(readBytes(outside), "untouched");
+  }
+}
+
 TEST_F(ZetNorvDbStagingTest, SourceWhoseReadingFailsIsKo) {
   FaultyFileSystem files;
   files.fail(Call::kRead, 1, FaultyFileSystem::Times::kAlways);
