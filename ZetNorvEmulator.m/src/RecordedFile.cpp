@@ -1,5 +1,6 @@
 #include "RecordedFile.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -54,7 +55,15 @@ class FreeNumbers {
     forgetLostElsewhere();
     int& next = _next[series];
     next = freeFrom(series, next);
+    reach(series, next);
     return next;
+  }
+
+  // The number for a line whose file cannot be opened. Files that cannot be told from missing ones
+  // now, in a directory that is out of reach, may be there again later: they keep their numbers.
+  int unopened(const Series& series) {
+    const int number = smallest(series);
+    return std::max(number, _reached[series]);
   }
 
   // The smallest free number that no index line names.
@@ -69,6 +78,7 @@ class FreeNumbers {
   void take(const Series& series, int number) {
     forgetNamed(series, number);
     _next[series] = number + 1;
+    reach(series, number + 1);
   }
 
   // Notes that no file gets the number from here on: an index line tells of a file of that number,
@@ -78,8 +88,8 @@ class FreeNumbers {
     _lost[series].insert(number);
   }
 
-  // Notes that an index line tells of a file of the smallest free number, which could not be
-  // opened. It stays the smallest until a file with another one is there.
+  // Notes that an index line tells of a file of that number, which could not be opened. Only lines
+  // of that kind get the number from here on.
   void name(const Series& series, int number) {
     forgetNamed(series, number);
     _named[series] = number;
@@ -98,6 +108,11 @@ class FreeNumbers {
   }
 
   static bool isTaken(const std::string& path) { return opens(path) || isThere(path); }
+
+  void reach(const Series& series, int number) {
+    int& reached = _reached[series];
+    reached = std::max(reached, number);
+  }
 
   // What is named and is not this number is lost.
   void forgetNamed(const Series& series, int number) {
@@ -128,14 +143,16 @@ class FreeNumbers {
     _native = std::move(native);
     _lost.clear();
     _named.clear();
+    _reached.clear();
   }
 
   std::string _directory;
-  std::string _native;  // the directory that `_lost` and `_named` are about
+  std::string _native;  // the directory that what is remembered below is about
   KelDirectoryWatch _watch;
   std::map<Series, int> _next;
   std::map<Series, std::set<int>> _lost;
   std::map<Series, int> _named;
+  std::map<Series, int> _reached;  // past all that were seen to be taken
 };
 
 // What is known of the directory that is recorded into; one at a time.
@@ -184,13 +201,14 @@ Filled fill(const std::string& path, const char* message, int size) {
 // The number that tells of a file with this number, which was not filled. Nothing that is there,
 // now or later, may be read as the answer that was lost; a lost request is told of by no line.
 int lostNumber(FreeNumbers& numbers, const Series& series, int number, Filled filled) {
-  if (filled != Filled::kRemoved) number = numbers.smallest(series);
   if (series.first == Recorded::kRequest) return number;
   if (filled == Filled::kNotOpened) {
+    number = numbers.unopened(series);
     numbers.name(series, number);
-  } else {
-    numbers.lose(series, number);
+    return number;
   }
+  if (filled == Filled::kBroken) number = numbers.smallest(series);
+  numbers.lose(series, number);
   return number;
 }
 

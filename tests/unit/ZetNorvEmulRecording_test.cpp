@@ -345,6 +345,24 @@ TEST_F(RecordingTest, TheNameOfAnAnswerWhoseFileCannotBeOpenedIsNoOtherAnswers) 
   EXPECT_EQ(readBytes(reference("rep12_3.txt")), "last");
 }
 
+TEST_F(RecordingTest, AnAnswerThatIsLostWithTheDirectoryIsNotNamedAsOneBefore) {
+  send(request(12, "x"));
+  EXPECT_EQ(receive("first", 1).result, S_OK);
+  const std::string directory = scratch.file("in/case1.rec/Reference");
+  std::filesystem::rename(directory, scratch.file("away"));
+  writeBytes(directory, "in the way");
+  EXPECT_EQ(receive("lost", 2).result, S_OK);
+  EXPECT_TRUE(trace.has("Problem with KelFOpen w!"));
+  std::filesystem::remove(directory);
+  std::filesystem::rename(scratch.file("away"), directory);
+  EXPECT_EQ(receive("next", 3).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")),
+            "<12><rep12_0.txt><1>\n<12><rep12_1.txt><2>\n<12><rep12_2.txt><3>\n");
+  EXPECT_EQ(readBytes(reference("rep12_0.txt")), "first");
+  EXPECT_FALSE(exists(reference("rep12_1.txt")));
+  EXPECT_EQ(readBytes(reference("rep12_2.txt")), "next");
+}
+
 TEST_F(RecordingTest, ANumberThatIsFreeAgainIsTakenBeforeOneThatALineNames) {
   send(request(12, "x"));
   EXPECT_EQ(receive("first", 1).result, S_OK);
