@@ -186,12 +186,6 @@ class LimitedSession : public EmulatorFixture {
     return play(stepsOf(_earlier));
   }
 
-  // Lets this process, a copy, find everything without a right to the directories above.
-  void enter() {
-    fs::current_path(scratch.path());
-    environment.set("KEL_DRIVE_ROOT", ".");
-  }
-
   // --- what holds ---
 
   // Every step is recorded whole, or told of and not there; and what was there before is the same,
