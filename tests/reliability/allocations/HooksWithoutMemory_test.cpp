@@ -5,6 +5,7 @@
 
 #include "../FaultedSession.h"
 #include "FailingAllocations.h"
+#include "QuietConsole.h"
 #include "ZetNorvDb.h"
 #include "ZetNorvEmul.h"
 
@@ -45,6 +46,7 @@ class HooksWithoutMemoryTest : public EmulatorFixture {
       for (long nth = 1; !HasFailure(); ++nth) {
         SCOPED_TRACE("request " + std::to_string(nth) +
                      (times == Times::kOnce ? " alone" : " and all behind it"));
+        const QuietConsole console;
         FailingAllocations memory(nth, times);
         run(memory);
         EXPECT_FALSE(memory.hasThrown());

@@ -19,6 +19,7 @@
 #include "MVar.h"
 #include "Msg.h"
 #include "MsgXML.h"
+#include "QuietConsole.h"
 #include "ZetNorvDb.h"
 #include "ZetNorvDb_Record.h"
 #include "ZetNorvDb_Table.h"
@@ -40,6 +41,7 @@ class ObjectsWithoutMemoryTest : public EmulatorFixture {
       for (long nth = 1; !HasFailure(); ++nth) {
         SCOPED_TRACE("request " + std::to_string(nth) +
                      (times == Times::kOnce ? " alone" : " and all behind it"));
+        const QuietConsole console;
         FailingAllocations memory(nth, times);
         memory.within(body);
         EXPECT_FALSE(memory.hasThrown());
