@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 
@@ -22,8 +23,16 @@ namespace {
   std::_Exit(127);
 }
 
-// Reads until the other side ends; kills `child` when it has written `enough` lines.
-int linesFrom(int input, pid_t child, int enough) {
+// The child works on meanwhile.
+void passTime(int microseconds) {
+  using Clock = std::chrono::steady_clock;
+  const auto end = Clock::now() + std::chrono::microseconds(microseconds);
+  while (Clock::now() < end) {
+  }
+}
+
+// Reads until the other side ends; kills `child` some time after it has written `enough` lines.
+int linesFrom(int input, pid_t child, int enough, int microseconds) {
   int lines = 0;
   char piece[256];
   while (true) {
@@ -31,14 +40,16 @@ int linesFrom(int input, pid_t child, int enough) {
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return lines;
     lines += static_cast<int>(std::count(piece, piece + count, '\n'));
-    if (enough > 0 && lines >= enough) kill(child, SIGKILL);
+    if (enough == 0 || lines < enough) continue;
+    passTime(microseconds);
+    kill(child, SIGKILL);
   }
 }
 
 }  // namespace
 
 DoomedRun runDoomed(const std::string& program, const std::vector<std::string>& arguments,
-                    int lines) {
+                    int lines, int microseconds) {
   DoomedRun run;
   int ends[2];
   if (pipe(ends) != 0) return run;
@@ -49,7 +60,7 @@ DoomedRun runDoomed(const std::string& program, const std::vector<std::string>& 
   }
   close(ends[1]);
   if (child > 0) {
-    run.lines = linesFrom(ends[0], child, lines);
+    run.lines = linesFrom(ends[0], child, lines, microseconds);
     int state = 0;
     while (waitpid(child, &state, 0) < 0 && errno == EINTR) {
     }

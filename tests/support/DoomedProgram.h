@@ -10,10 +10,11 @@ struct DoomedRun {
   int lines = 0;        // how many whole lines it had written when it ended
 };
 
-// Starts `program` with this process's environment and waits for its end. It is killed as soon as
-// it has written `lines` lines to standard output; 0: it is left to itself.
+// Starts `program` with this process's environment and waits for its end. It is killed so many
+// microseconds after it has written `lines` lines to standard output; 0 lines: it is left to
+// itself.
 DoomedRun runDoomed(const std::string& program, const std::vector<std::string>& arguments,
-                    int lines = 0);
+                    int lines = 0, int microseconds = 0);
 
 // Kills this process. Nothing is flushed or cleaned up.
 [[noreturn]] void killThisProcess();
