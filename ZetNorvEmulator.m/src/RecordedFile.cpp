@@ -1,10 +1,13 @@
 #include "RecordedFile.h"
 
 #include <algorithm>
+#include <charconv>
+#include <climits>
 #include <cstdio>
 #include <map>
 #include <memory>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "Guard.h"
@@ -13,6 +16,7 @@
 #include "KelUnicodeString.h"
 #include "MFile.h"
 #include "MString.h"
+#include "ScenarioIndex.h"
 #include "ZetNorvToolBox.h"
 #include "ZetNorvToolBox/EnsureDirectory.h"
 
@@ -21,6 +25,29 @@ namespace zetnorv {
 namespace {
 
 const char* prefixOf(Recorded kind) { return kind == Recorded::kRequest ? "save" : "rep"; }
+
+// The smallest number that is larger than those of all answers of `op` that index lines tell of.
+int numberBehindLines(int op) {
+  MString path;
+  ScenarioIndexReader index;
+  if (ZetNorvToolBox::getScePath(path) != S_OK) return 0;
+  path + MString("\\Scenario2.txt");
+  if (index.open(path.gchar()) != S_OK) return 0;
+  const std::string start = prefixOf(Recorded::kAnswer) + std::to_string(op) + '_';
+  int behind = 0;
+  for (int i = 1; i <= index.count(); ++i) {
+    const MString line = index.line(i);
+    if (line.isNull()) continue;
+    const std::string_view text(line.gchar());
+    const std::size_t at = text.find(start);
+    if (at == std::string_view::npos) continue;
+    int number = 0;
+    const char* const digits = text.data() + at + start.size();
+    const auto read = std::from_chars(digits, text.data() + text.size(), number);
+    if (read.ec == std::errc() && number >= behind && number < INT_MAX) behind = number + 1;
+  }
+  return behind;
+}
 
 // The files of one operation and kind.
 using Series = std::pair<Recorded, int>;
@@ -55,15 +82,15 @@ class FreeNumbers {
     forgetLostElsewhere();
     int& next = _next[series];
     next = freeFrom(series, next);
-    reach(series, next);
     return next;
   }
 
-  // The number for a line whose file cannot be opened. Files that cannot be told from missing ones
-  // now, in a directory that is out of reach, may be there again later: they keep their numbers.
+  // The number for the line of an answer whose file cannot be opened. In a directory that is out of
+  // reach, files cannot be told from missing ones: those that lines tell of keep their numbers.
   int unopened(const Series& series) {
-    const int number = smallest(series);
-    return std::max(number, _reached[series]);
+    const auto named = _named.find(series);
+    if (named != _named.end()) return named->second;
+    return std::max(smallest(series), numberBehindLines(series.second));
   }
 
   // The smallest free number that no index line names.
@@ -78,7 +105,6 @@ class FreeNumbers {
   void take(const Series& series, int number) {
     forgetNamed(series, number);
     _next[series] = number + 1;
-    reach(series, number + 1);
   }
 
   // Notes that no file gets the number from here on: an index line tells of a file of that number,
@@ -109,11 +135,6 @@ class FreeNumbers {
 
   static bool isTaken(const std::string& path) { return opens(path) || isThere(path); }
 
-  void reach(const Series& series, int number) {
-    int& reached = _reached[series];
-    reached = std::max(reached, number);
-  }
-
   // What is named and is not this number is lost.
   void forgetNamed(const Series& series, int number) {
     const auto named = _named.find(series);
@@ -143,7 +164,6 @@ class FreeNumbers {
     _native = std::move(native);
     _lost.clear();
     _named.clear();
-    _reached.clear();
   }
 
   std::string _directory;
@@ -152,7 +172,6 @@ class FreeNumbers {
   std::map<Series, int> _next;
   std::map<Series, std::set<int>> _lost;
   std::map<Series, int> _named;
-  std::map<Series, int> _reached;  // past all that were seen to be taken
 };
 
 // What is known of the directory that is recorded into; one at a time.

@@ -351,6 +351,8 @@ TEST_F(RecordingTest, AnAnswerThatIsLostWithTheDirectoryIsNotNamedAsOneBefore) {
   const std::string directory = scratch.file("in/case1.rec/Reference");
   std::filesystem::rename(directory, scratch.file("away"));
   writeBytes(directory, "in the way");
+  resetEmulator();
+  send(request(12, "y"));
   EXPECT_EQ(receive("lost", 2).result, S_OK);
   EXPECT_TRUE(trace.has("Problem with KelFOpen w!"));
   std::filesystem::remove(directory);
@@ -361,6 +363,17 @@ TEST_F(RecordingTest, AnAnswerThatIsLostWithTheDirectoryIsNotNamedAsOneBefore) {
   EXPECT_EQ(readBytes(reference("rep12_0.txt")), "first");
   EXPECT_FALSE(exists(reference("rep12_1.txt")));
   EXPECT_EQ(readBytes(reference("rep12_2.txt")), "next");
+}
+
+TEST_F(RecordingTest, OnlyNumbersInTheIndexKeepTheirNames) {
+  writeBytes(scratch.file("in/case1.rec/Reference"), "in the way");
+  writeBytes(scenario("Scenario2.txt"),
+             "\nERROR: NO FILE\n<12><rep12_><0>\n<12><rep12_99999999999.txt><0>\n"
+             "<12><rep12_2147483647.txt><0>\n<12><rep12_x.txt><0>\n<3><rep3_8.txt><0>\n");
+  const std::string before = readBytes(scenario("Scenario2.txt"));
+  send(request(12, "x"));
+  EXPECT_EQ(receive("lost", 2).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), before + "<12><rep12_0.txt><2>\n");
 }
 
 TEST_F(RecordingTest, ANumberThatIsFreeAgainIsTakenBeforeOneThatALineNames) {
