@@ -2,6 +2,7 @@
 // can have, on a small disk where the system lets one be mounted, and with no descriptor left.
 #include <fstream>
 #include <memory>
+#include <set>
 
 #include "LimitedProcess.h"
 #include "LimitedSession.h"
@@ -110,6 +111,7 @@ INSTANTIATE_TEST_SUITE_P(Shares, RealLimitsFullDiskTest, testing::Range(0, kShar
 // files has to do.
 class RealLimitsSmallDiskTest : public FullDiskFixture {
  protected:
+  static constexpr int kPages = 128;
   static constexpr const char* kNoDisk = "no disk";
 
   // Records more with `left` pieces of room left on a disk; all is checked where the disk is seen.
@@ -117,7 +119,8 @@ class RealLimitsSmallDiskTest : public FullDiskFixture {
   bool recordOnDisk(const std::string& piece, int left) {
     const std::string outcomes = inCopyOfThisProcess([&]() -> std::string {
       fs::create_directories(file("in"));
-      if (!mountSmallDisk(file("in"), 128 * kPage, 100)) return kNoDisk;
+      // Either the bytes or the files are used up, never both.
+      if (!mountSmallDisk(file("in"), kPages * kPage, 2 * kPages)) return kNoDisk;
       prepare();
       fill(piece, left);
       const Outcomes recorded = recordMore();
@@ -127,19 +130,24 @@ class RealLimitsSmallDiskTest : public FullDiskFixture {
     });
     if (outcomes == kNoDisk) return false;
     countDenied(unpacked(outcomes));
+    for (const Outcome& outcome : unpacked(outcomes)) {
+      _told.insert(outcome.lines.begin(), outcome.lines.end());
+    }
     ++points;
     return true;
   }
 
-  void recordWithLittleRoom(const std::string& piece, int most) {
+  void recordWithLittleRoom(const std::string& piece, const std::string& line) {
+    constexpr int kMost = 14;
     bool mounted = true;
-    for (int left = 0; left < most && mounted && !HasFailure(); ++left) {
+    for (int left = 0; left < kMost && mounted && !HasFailure(); ++left) {
       SCOPED_TRACE(std::to_string(left) + " pieces of room");
       mounted = recordOnDisk(piece, left);
     }
     RecordProperty("disk", mounted ? "a small disk" : "the limit on the size of files alone");
     if (mounted) {
-      expectDenied(most / 2);
+      expectDenied(kMost / 2);
+      EXPECT_TRUE(_told.contains(line)) << line;
     }
   }
 
@@ -161,14 +169,16 @@ class RealLimitsSmallDiskTest : public FullDiskFixture {
     fs::remove(ballast(count));
     for (; left > 0 && count > 0; --left) fs::remove(ballast(--count));
   }
+
+  std::set<std::string> _told;
 };
 
 TEST_F(RealLimitsSmallDiskTest, RecordsWholeThingsOnlyOnAFullDisk) {
-  recordWithLittleRoom(std::string(kPage, 'b'), 14);
+  recordWithLittleRoom(std::string(kPage, 'b'), "Problem with KelFWrite!");
 }
 
 TEST_F(RealLimitsSmallDiskTest, RecordsWholeThingsOnlyOnADiskWithoutRoomForFiles) {
-  recordWithLittleRoom("", 14);
+  recordWithLittleRoom("", "Problem with KelFOpen w!");
 }
 
 }  // namespace
