@@ -15,9 +15,11 @@
 #include "KelExport.h"
 
 // Opens the file `name` in `mode`: "r" (read; only a regular file opens), "w" (write, created or
-// emptied) or "a+" (read from the start, write at the end; created when missing).
+// emptied), "wx" (write to a new file) or "a+" (read from the start, write at the end; created when
+// missing).
 //
-// Returns S_OK with `*descriptor` set, or E_FAIL with `*descriptor` 0.
+// Returns S_OK with `*descriptor` set, or E_FAIL with `*descriptor` 0. "wx" fails when the name is
+// there, whatever it stands for; a link is not followed, also one to nowhere.
 KEL_FOUNDATION_EXPORT long KelFOpen(const wchar_t* name, const char* mode, int* descriptor);
 
 // Closes the file. The descriptor is gone afterwards, also when the call fails.

@@ -15,14 +15,15 @@
 
 class KEL_FOUNDATION_EXPORT KelFileSystem {
  public:
-  enum class Mode { kRead, kWrite, kAppend };
+  enum class Mode { kRead, kWrite, kCreate, kAppend };
 
   virtual ~KelFileSystem() = default;
 
   // Each returns S_OK or E_FAIL; out-parameters are untouched on failure.
 
-  // kRead opens regular files only; kWrite creates or empties; kAppend creates when missing, reads
-  // from the start and writes at the end, each write in one step.
+  // kRead opens regular files only; kWrite creates or empties; kCreate makes a new file and fails
+  // when the name is there, whatever it stands for, a link to nowhere included; kAppend creates
+  // when missing, reads from the start and writes at the end, each write in one step.
   virtual long Open(const std::string& path, Mode mode, int* handle) = 0;
   // One read: `*count` is 0 only at the end; fewer bytes than asked for are no failure.
   virtual long Read(int handle, char* buffer, std::size_t n, std::size_t* count) = 0;

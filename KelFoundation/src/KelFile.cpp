@@ -22,6 +22,7 @@ constinit kel::FileTable openFiles;
 std::optional<KelFileSystem::Mode> ModeOf(const char* mode) {
   if (std::strcmp(mode, "r") == 0) return KelFileSystem::Mode::kRead;
   if (std::strcmp(mode, "w") == 0) return KelFileSystem::Mode::kWrite;
+  if (std::strcmp(mode, "wx") == 0) return KelFileSystem::Mode::kCreate;
   if (std::strcmp(mode, "a+") == 0) return KelFileSystem::Mode::kAppend;
   return std::nullopt;
 }

@@ -38,23 +38,25 @@ long CopyBlocks(OpenFile& source, OpenFile& target) {
   return S_OK;
 }
 
-// Copies what is left of `source` to the new file `path`.
+// Copies what is left of `source` to the new file `path`, which is gone again when that fails.
 long WriteCopy(KelFileSystem& fileSystem, OpenFile& source, const std::string& path) {
   int handle = 0;
-  if (fileSystem.Open(path, Mode::kWrite, &handle) != S_OK) return E_FAIL;
-  OpenFile target(fileSystem, Mode::kWrite, handle);
+  if (fileSystem.Open(path, Mode::kCreate, &handle) != S_OK) return E_FAIL;
+  OpenFile target(fileSystem, Mode::kCreate, handle);
   const long copied = kel::Guarded([&] { return CopyBlocks(source, target); });
   const long closed = target.Close();
-  return copied == S_OK ? closed : E_FAIL;
+  if (copied == S_OK && closed == S_OK) return S_OK;
+  fileSystem.Remove(path);
+  return E_FAIL;
 }
 
 // Gives `target` the bytes of `source` in one step, or leaves it as it was.
 long Replace(KelFileSystem& fileSystem, OpenFile& source, const std::string& target) {
   const std::string temporary = TemporaryBeside(target);
-  long result = WriteCopy(fileSystem, source, temporary);
-  if (result == S_OK) result = fileSystem.Rename(temporary, target);
-  if (result != S_OK) fileSystem.Remove(temporary);
-  return result;
+  if (WriteCopy(fileSystem, source, temporary) != S_OK) return E_FAIL;
+  if (fileSystem.Rename(temporary, target) == S_OK) return S_OK;
+  fileSystem.Remove(temporary);
+  return E_FAIL;
 }
 
 }  // namespace

@@ -52,6 +52,7 @@ constexpr int kAlways = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
 int FlagsOf(Mode mode) {
   if (mode == Mode::kRead) return kAlways | O_RDONLY;
   if (mode == Mode::kWrite) return kAlways | O_WRONLY | O_CREAT | O_TRUNC;
+  if (mode == Mode::kCreate) return kAlways | O_WRONLY | O_CREAT | O_EXCL;
   return kAlways | O_RDWR | O_CREAT | O_APPEND;
 }
 
@@ -59,8 +60,10 @@ int OpenWith(const std::string& path, int flags) {
   return Retry([&] { return open(path.c_str(), flags, kFileRights); });
 }
 
-// The type bits of what `handle` is open on; 0 when that cannot be told.
-mode_t TypeOf(int handle) {
+// The type bits of what `handle` was opened on in `mode`; 0 when that cannot be told. What is made
+// new needs no look.
+mode_t TypeOf(int handle, Mode mode) {
+  if (mode == Mode::kCreate) return S_IFREG;
   struct stat found {};
   return fstat(handle, &found) == 0 ? found.st_mode & S_IFMT : 0;
 }
@@ -112,7 +115,7 @@ long PosixFileSystem::Open(const std::string& path, Mode mode, int* handle) {
   if (mode == Mode::kAppend) _positions.reserve(_positions.size() + 1);
   const int opened = OpenWith(path, FlagsOf(mode));
   if (opened < 0) return E_FAIL;
-  const mode_t type = TypeOf(opened);
+  const mode_t type = TypeOf(opened, mode);
   const bool regular = type == S_IFREG;
   // What is written to a character device (the null device) goes where such a device puts it; there
   // is nothing to read from one.

@@ -31,7 +31,9 @@ class OpenFile {
   long Close() { return _fileSystem->Close(_handle); }
 
  private:
-  bool CanRead() const { return _mode != KelFileSystem::Mode::kWrite; }
+  bool CanRead() const {
+    return _mode == KelFileSystem::Mode::kRead || _mode == KelFileSystem::Mode::kAppend;
+  }
   bool CanWrite() const { return _mode != KelFileSystem::Mode::kRead; }
   std::size_t Buffered() const { return _end - _begin; }
   // Cuts off the last `*count` bytes of a file that is appended to.

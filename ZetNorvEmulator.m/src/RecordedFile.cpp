@@ -73,15 +73,23 @@ class FreeNumbers {
     return _directory + name;
   }
 
+  // Opens a new file with the smallest free number that no index line names, and returns the
+  // number, with the file's path; a negative one when the file cannot be made.
+  int create(const Series& series, MFile& file, std::string& path) {
+    forgetWhatChanged();
+    for (int number = _next[series];; ++number) {
+      if (isLost(series, number) || isNamed(series, number)) continue;
+      path = pathOf(series, number);
+      if (file.open(path.c_str(), "wx") == S_OK) return number;
+      if (!isTaken(path)) return kNone;
+    }
+  }
+
   // The smallest free number.
   int smallest(const Series& series) {
-    if (_watch.Changed()) {
-      made(MString(_directory.c_str()));
-      _next.clear();
-    }
-    forgetLostElsewhere();
+    forgetWhatChanged();
     int& next = _next[series];
-    next = freeFrom(series, next);
+    while (isLost(series, next) || isTaken(pathOf(series, next))) ++next;
     return next;
   }
 
@@ -93,15 +101,7 @@ class FreeNumbers {
     return std::max(smallest(series), numberBehindLines(series.second));
   }
 
-  // The smallest free number that no index line names.
-  int smallestUnnamed(const Series& series) {
-    const int number = smallest(series);
-    const auto named = _named.find(series);
-    const bool isNamed = named != _named.end() && named->second == number;
-    return isNamed ? freeFrom(series, number + 1) : number;
-  }
-
-  // Notes that the number, which is the smallest unnamed one, is taken now.
+  // Notes that the number, which create() gave, is taken now.
   void take(const Series& series, int number) {
     forgetNamed(series, number);
     _next[series] = number + 1;
@@ -122,25 +122,28 @@ class FreeNumbers {
   }
 
  private:
+  static constexpr int kNone = -1;
+
   static const char* made(const MString& directory) {
     ensureDirectory(directory);
     return directory.gchar();
   }
 
-  int freeFrom(const Series& series, int number) {
-    const std::set<int>& lost = _lost[series];
-    while (lost.contains(number) || isTaken(pathOf(series, number))) ++number;
-    return number;
+  bool isLost(const Series& series, int number) const {
+    const auto lost = _lost.find(series);
+    return lost != _lost.end() && lost->second.contains(number);
   }
 
-  static bool isTaken(const std::string& path) { return opens(path) || isThere(path); }
-
-  // What is named and is not this number is lost.
-  void forgetNamed(const Series& series, int number) {
+  bool isNamed(const Series& series, int number) const {
     const auto named = _named.find(series);
-    if (named == _named.end() || named->second == number) return;
-    _lost[series].insert(named->second);
-    _named.erase(named);
+    return named != _named.end() && named->second == number;
+  }
+
+  static bool isTaken(const std::string& path) { return isThere(path) || opens(path); }
+
+  static bool isThere(const std::string& path) {
+    KelFileStamp stamp;
+    return KelFStamp(KelUnicodeString(path.c_str()).ConvertToWide(), &stamp) == S_OK;
   }
 
   static bool opens(const std::string& path) {
@@ -150,15 +153,20 @@ class FreeNumbers {
     return true;
   }
 
-  // A file may fail to open for reasons that pass (no descriptor left) and open for writing
-  // afterwards: what was recorded must not be written over.
-  static bool isThere(const std::string& path) {
-    KelFileStamp stamp;
-    return KelFStamp(KelUnicodeString(path.c_str()).ConvertToWide(), &stamp) == S_OK;
+  // What is named and is not this number is lost.
+  void forgetNamed(const Series& series, int number) {
+    const auto named = _named.find(series);
+    if (named == _named.end() || named->second == number) return;
+    _lost[series].insert(named->second);
+    _named.erase(named);
   }
 
-  // The directory's name may have come to stand for another one: the drive's root is not fixed.
-  void forgetLostElsewhere() {
+  void forgetWhatChanged() {
+    if (_watch.Changed()) {
+      made(MString(_directory.c_str()));
+      _next.clear();
+    }
+    // The directory's name may have come to stand for another one: the drive's root is not fixed.
     std::string native = KelNativePath(KelUnicodeString(_directory.c_str()).ConvertToWide());
     if (native == _native) return;
     _native = std::move(native);
@@ -197,18 +205,12 @@ void reportEmpty(Recorded kind, int op) {
 
 enum class Filled {
   kWhole,
-  kNotOpened,  // nothing is there
-  kRemoved,    // broken, and gone
-  kBroken,     // and could not be removed
+  kRemoved,  // broken, and gone
+  kBroken,   // and could not be removed
 };
 
-// Fills the new file `path`; one that could not be filled is removed.
-Filled fill(const std::string& path, const char* message, int size) {
-  MFile file;
-  if (file.open(path.c_str(), "w") != S_OK) {
-    ZetNorvTrace.TraPutLN(2, "Problem with KelFOpen w!");
-    return Filled::kNotOpened;
-  }
+// Fills and closes the new file `path`; one that could not be filled is removed.
+Filled fill(MFile& file, const std::string& path, const char* message, int size) {
   const long written = message == nullptr ? S_OK : file.write(message, size);
   const long closed = file.close();
   if (written == S_OK && closed == S_OK) return Filled::kWhole;
@@ -217,18 +219,22 @@ Filled fill(const std::string& path, const char* message, int size) {
   return removed == S_OK ? Filled::kRemoved : Filled::kBroken;
 }
 
-// The number that tells of a file with this number, which was not filled. Nothing that is there,
-// now or later, may be read as the answer that was lost; a lost request is told of by no line.
-int lostNumber(FreeNumbers& numbers, const Series& series, int number, Filled filled) {
-  if (series.first == Recorded::kRequest) return number;
-  if (filled == Filled::kNotOpened) {
-    number = numbers.unopened(series);
-    numbers.name(series, number);
-    return number;
-  }
+// The answers whose files could not be written keep their lines. Nothing that is there, now or
+// later, may be read as one of them, so the names in the lines are those of no other files.
+
+RecordedFile notOpened(FreeNumbers& numbers, const Series& series) {
+  ZetNorvTrace.TraPutLN(2, "Problem with KelFOpen w!");
+  if (series.first == Recorded::kRequest) return {E_FAIL, {}};
+  const int number = numbers.unopened(series);
+  numbers.name(series, number);
+  return {E_FAIL, numbers.pathOf(series, number)};
+}
+
+RecordedFile notFilled(FreeNumbers& numbers, const Series& series, int number, Filled filled) {
+  if (series.first == Recorded::kRequest) return {E_FAIL, {}};
   if (filled == Filled::kBroken) number = numbers.smallest(series);
   numbers.lose(series, number);
-  return number;
+  return {E_FAIL, numbers.pathOf(series, number)};
 }
 
 }  // namespace
@@ -244,14 +250,14 @@ RecordedFile writeRecordedFile(Recorded kind, int op, const char* message, int s
   }
   FreeNumbers& numbers = numbersOf(reference);
   const Series series{kind, op};
-  const int number = numbers.smallestUnnamed(series);
-  std::string path = numbers.pathOf(series, number);
-  const Filled filled = fill(path, message, size);
-  if (filled == Filled::kWhole) {
-    numbers.take(series, number);
-    return {S_OK, std::move(path)};
-  }
-  return {E_FAIL, numbers.pathOf(series, lostNumber(numbers, series, number, filled))};
+  MFile file;
+  std::string path;
+  const int number = numbers.create(series, file, path);
+  if (number < 0) return notOpened(numbers, series);
+  const Filled filled = fill(file, path, message, size);
+  if (filled != Filled::kWhole) return notFilled(numbers, series, number, filled);
+  numbers.take(series, number);
+  return {S_OK, std::move(path)};
 }
 
 }  // namespace zetnorv

@@ -54,9 +54,13 @@ void stageCopy(const MString& directory, const MString& name, const FileContent&
   const MString copy = fileIn(directory, name);
   const KelUnicodeString from(unfinished.gchar());
   const KelUnicodeString to(copy.gchar());
-  // A link that somebody left under that name would be followed to another place.
+  // What is left of a process that was killed, or a link to another place.
   KelFRemove(from.ConvertToWide());
-  if (MFile().save(unfinished.gchar(), content.bytes(), content.size()) != S_OK ||
+  MFile file;
+  if (file.open(unfinished.gchar(), "wx") != S_OK) return;
+  const long written = file.write(content.bytes(), content.size());
+  const long closed = file.close();
+  if (written != S_OK || closed != S_OK ||
       KelFRename(from.ConvertToWide(), to.ConvertToWide()) != S_OK) {
     KelFRemove(from.ConvertToWide());
   }

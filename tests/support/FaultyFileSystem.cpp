@@ -40,14 +40,14 @@ void FaultyFileSystem::fillDiskAtWrite(int nth) {
 }
 
 long FaultyFileSystem::Open(const std::string& path, Mode mode, int* handle) {
-  const Call call = mode == Mode::kRead    ? Call::kOpenRead
-                    : mode == Mode::kWrite ? Call::kOpenWrite
-                                           : Call::kOpenAppend;
+  const Call call = mode == Mode::kRead                             ? Call::kOpenRead
+                    : mode == Mode::kWrite || mode == Mode::kCreate ? Call::kOpenWrite
+                                                                    : Call::kOpenAppend;
   if (meets(Call::kOpen) || fails(call)) return E_FAIL;
   const long result = _before->Open(path, mode, handle);
   if (result != S_OK) return result;
   ++_openFiles;
-  if (mode == Mode::kWrite) _written.insert(*handle);
+  if (call == Call::kOpenWrite) _written.insert(*handle);
   return result;
 }
 

@@ -16,7 +16,7 @@ class FaultyFileSystem : public KelFileSystem {
   enum class Call {
     kOpen,  // in any mode
     kOpenRead,
-    kOpenWrite,
+    kOpenWrite,  // or to create
     kOpenAppend,
     kRead,
     kWrite,

@@ -18,6 +18,29 @@ using Call = FaultyFileSystem::Call;
 
 namespace {
 
+// Somebody who puts a thing under every name that a file is about to be made by.
+class Intruder : public FaultyFileSystem {
+ public:
+  explicit Intruder(std::string linked) : _linked(std::move(linked)) {}
+
+  long Open(const std::string& path, Mode mode, int* handle) override {
+    if (mode == Mode::kCreate) {
+      if (_linked.empty()) {
+        writeBytes(path, "intruder");
+      } else {
+        std::filesystem::create_symlink(_linked, path);
+      }
+      taken = path;
+    }
+    return FaultyFileSystem::Open(path, mode, handle);
+  }
+
+  std::string taken;
+
+ private:
+  std::string _linked;
+};
+
 class KelFileCopyTest : public testing::Test {
  protected:
   static long copy(const std::string& source, const std::string& target, int mode) {
@@ -155,6 +178,23 @@ TEST_F(KelFileCopyTest, ACopyThatFailsAnywhereLeavesTheTargetAsItWas) {
       EXPECT_EQ(readBytes(target), harmless ? bytes : "old");
     }
   }
+}
+
+TEST_F(KelFileCopyTest, ACopyIsWrittenOverNothingAndThroughNoLink) {
+  writeBytes(source, "new");
+  writeBytes(target, "old");
+  writeBytes(scratch.file("elsewhere"), "untouched");
+  for (const char* linked : {"", "elsewhere", "nowhere"}) {
+    Intruder files(*linked == '\0' ? "" : scratch.file(linked));
+    EXPECT_EQ(copy(source, target, 0), E_FAIL);
+    EXPECT_EQ(readBytes(target), "old");
+    EXPECT_EQ(files.openFiles(), 0);
+    // What it did not make is not taken away either.
+    EXPECT_TRUE(std::filesystem::exists(std::filesystem::symlink_status(files.taken)));
+    std::filesystem::remove(files.taken);
+  }
+  EXPECT_EQ(names(), (Names{"elsewhere", "source", "target"}));
+  EXPECT_EQ(readBytes(scratch.file("elsewhere")), "untouched");
 }
 
 TEST_F(KelFileCopyTest, ACopyGoesOnAfterShortReadsAndWrites) {

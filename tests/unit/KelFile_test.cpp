@@ -98,9 +98,9 @@ TEST_F(KelFileTest, OpenMakesNoDirectory) {
   EXPECT_FALSE(exists(scratch.file("missing")));
 }
 
-TEST_F(KelFileTest, OpenKnowsThreeModes) {
+TEST_F(KelFileTest, OpenKnowsFourModes) {
   writeBytes(path, "before");
-  for (const char* mode : {"", "a", "rb", "wb", "r+", "w+", "R", "x", "a+b", "rw"}) {
+  for (const char* mode : {"", "a", "rb", "wb", "r+", "w+", "R", "x", "wxx", "xw", "a+b", "rw"}) {
     EXPECT_EQ(open(path, mode), 0) << mode;
   }
   EXPECT_EQ(readBytes(path), "before");
@@ -114,11 +114,35 @@ TEST_F(KelFileTest, OpenRefusesNullPointersAndTheEmptyPath) {
   EXPECT_EQ(KelFOpen(L"file.txt", nullptr, &descriptor), E_FAIL);
   EXPECT_EQ(descriptor, 0);
   EXPECT_EQ(KelFOpen(L"file.txt", "r", nullptr), E_FAIL);
-  for (const char* mode : {"r", "w", "a+"}) EXPECT_EQ(open("", mode), 0);
+  for (const char* mode : {"r", "w", "wx", "a+"}) EXPECT_EQ(open("", mode), 0);
+}
+
+TEST_F(KelFileTest, OpenForCreatingMakesAFileThatTakesBytes) {
+  const int descriptor = open(path, "wx");
+  EXPECT_EQ(KelFPuts("new", descriptor, nullptr), S_OK);
+  EXPECT_EQ(KelFEof(descriptor), 0);
+  EXPECT_EQ(gets(descriptor, 10), "(end)");
+  EXPECT_EQ(KelFClose(descriptor), S_OK);
+  EXPECT_EQ(readBytes(path), "new");
+}
+
+TEST_F(KelFileTest, OpenForCreatingTakesNoNameThatIsThere) {
+  namespace fs = std::filesystem;
+  writeBytes(path, "before");
+  fs::create_directory(scratch.file("directory"));
+  fs::create_symlink(path, scratch.file("to-file"));
+  fs::create_symlink(scratch.file("nowhere"), scratch.file("to-nowhere"));
+  makeFifo(scratch.file("fifo"));
+  for (const char* name : {"file.txt", "directory", "to-file", "to-nowhere", "fifo"}) {
+    EXPECT_EQ(open(scratch.file(name), "wx"), 0) << name;
+  }
+  EXPECT_EQ(readBytes(path), "before");
+  EXPECT_FALSE(exists(scratch.file("nowhere")));
+  EXPECT_EQ(open(nullDevice(), "wx"), 0);
 }
 
 TEST_F(KelFileTest, OpenRefusesAPathThatIsTooLong) {
-  for (const char* mode : {"r", "w", "a+"}) {
+  for (const char* mode : {"r", "w", "wx", "a+"}) {
     EXPECT_EQ(open(scratch.file(std::string(300, 'x')), mode), 0);
     EXPECT_EQ(open(scratch.file(std::string(100000, 'x')), mode), 0);
   }

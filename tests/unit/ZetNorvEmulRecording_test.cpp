@@ -315,6 +315,22 @@ TEST_F(RecordingTest, AFileThatFailsToOpenForReadingIsNotWrittenOver) {
   EXPECT_EQ(readBytes(reference("save12_1.txt")), request(12, "later"));
 }
 
+TEST_F(RecordingTest, NothingIsWrittenThroughALinkThatStandsUnderTheNextName) {
+  send(request(12, "x"));
+  for (const char* name : {"save12_1.txt", "rep12_0.txt"}) {
+    std::filesystem::create_symlink(scratch.file("elsewhere"), reference(name));
+  }
+  EXPECT_EQ(send(request(12, "y")), E_FAIL);
+  EXPECT_TRUE(trace.has("Problem with KelFOpen w!"));
+  EXPECT_EQ(receive("lost", 3).result, S_OK);
+  EXPECT_FALSE(exists(scratch.file("elsewhere")));
+  writeBytes(scratch.file("elsewhere"), "of somebody else");
+  // Now it is a file that is there.
+  EXPECT_EQ(send(request(12, "y")), S_OK);
+  EXPECT_EQ(readBytes(reference("save12_2.txt")), request(12, "y"));
+  EXPECT_EQ(readBytes(scratch.file("elsewhere")), "of somebody else");
+}
+
 TEST_F(RecordingTest, TheNameOfALostAnswerIsNoOtherAnswers) {
   send(request(12, "x"));
   FaultyFileSystem files;
