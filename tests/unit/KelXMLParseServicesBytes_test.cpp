@@ -207,4 +207,11 @@ TEST(KelXMLParseServicesBytesTest, Xml11MayEndWithItsOwnLineEnds) {
   EXPECT_FALSE(isAccepted("<a/>\xE2\x80\xA8"));
 }
 
+TEST(KelXMLParseServicesBytesTest, ARefusalIsOneLineWhateverBytesItRepeats) {
+  const std::string refusal = refusalOf("\xcd\n</a>");
+  EXPECT_EQ(refusal.substr(0, 6), "test: ");
+  EXPECT_NE(refusal.find('?'), std::string::npos) << refusal;
+  for (const char c : refusal) EXPECT_TRUE(c < '\0' || c >= ' ') << refusal;
+}
+
 }  // namespace

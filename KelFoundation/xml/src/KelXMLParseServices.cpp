@@ -34,7 +34,11 @@ constexpr std::size_t kTreeMemoryPerByte = 40;
 // No text outgrows the size that a node keeps of it.
 constexpr std::size_t kLargestTree = std::numeric_limits<std::uint32_t>::max();
 
-void Trace(const std::string& line) {
+// One line, also where a reason repeats control characters of the document.
+void Trace(std::string line) {
+  constexpr char kDelete = '\x7f';
+  const auto isControl = [](char c) { return (c >= '\0' && c < ' ') || c == kDelete; };
+  std::replace_if(line.begin(), line.end(), isControl, '?');
   static std::mutex mutex;
   static KelTrace trace("KelXML", "XML services", 0, "STDERR", kTraceLineLength);
   const std::lock_guard lock(mutex);
