@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <set>
 
-#include "ZetNorvDb.h"
+#include "EmulatorState.h"
 #include "ZetNorvEmul.h"
 
 namespace {
@@ -33,20 +33,7 @@ EmulatorFixture::EmulatorFixture() {
 
 EmulatorFixture::~EmulatorFixture() { resetEmulator(); }
 
-void EmulatorFixture::resetEmulator() {
-  ZetNorvEmul::_nOp = 0;
-  ZetNorvEmul::_posCursPre = 0;
-  ZetNorvEmul::_posCursPost = 0;
-  ZetNorvEmul::_posKavFirst = 0;
-  ZetNorvEmul::_ids.Release();
-  ZetNorvEmul::_idsRef.Release();
-  ZetNorvEmul::_date = MString();
-  ZetNorvDb::_database.Release();
-  ZetNorvDb::_path = MString();
-  ZetNorvDb::_refFile = MString();
-  ZetNorvDb::_copyFile = MString();
-  ZetNorvDb::_nbLoad = 0;
-}
+void EmulatorFixture::resetEmulator() { ::resetEmulator(); }
 
 void EmulatorFixture::debugMode(const std::string& value) {
   environment.set("ZETNORV_DEBUG", value);
