@@ -2,6 +2,7 @@
 // past the searches that the library uses.
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,9 +53,34 @@ inline DOMString attribute(const DOM_Element& element, const std::string& name) 
   return element.getAttribute(DOMString(std::string_view(name)));
 }
 
-// What a string keeps of a text: the part before its first line feed or NUL.
-inline std::string firstLine(const std::string& text) {
-  return text.substr(0, text.find_first_of(std::string("\n\0", 2)));
+// Whatever may be an attribute's name: what stands before an equals sign.
+inline std::set<std::string> attributeNames(const std::string& text) {
+  const std::string blanks = " \t\r\n";
+  std::set<std::string> names;
+  for (std::size_t at = text.find('='); at != std::string::npos; at = text.find('=', at + 1)) {
+    std::size_t end = at;
+    while (end > 0 && blanks.find(text[end - 1]) != std::string::npos) --end;
+    std::size_t begin = end;
+    while (begin > 0 && (blanks + "<>='\"\\/").find(text[begin - 1]) == std::string::npos) --begin;
+    if (begin < end && names.size() < 20) names.insert(text.substr(begin, end - begin));
+  }
+  return names;
+}
+
+// The elements of both documents have the same values of the attributes `names`.
+inline void sameAttributes(const DOM_Document& a, const DOM_Document& b,
+                           const std::set<std::string>& names) {
+  const std::vector<DOM_Element> inA = elementsBelow(a);
+  const std::vector<DOM_Element> inB = elementsBelow(b);
+  expect(inA.size() == inB.size(), "the elements are as many");
+  for (std::size_t i = 0; i < inA.size() && i < 200; ++i) {
+    for (const std::string& name : names) {
+      const DOMString valueA = attribute(inA[i], name);
+      const DOMString valueB = attribute(inB[i], name);
+      expect(valueA.isNull() == valueB.isNull(), "an attribute is there, or not, in both");
+      expectEqual(valueB.utf8(), valueA.utf8(), "an attribute's value is kept");
+    }
+  }
 }
 
 }  // namespace fuzz

@@ -37,35 +37,6 @@ std::string written(const DOM_Node& node, const char* statement) {
   return text;
 }
 
-// Whatever may be an attribute's name: what stands before an equals sign.
-std::set<std::string> attributeNames(const std::string& text) {
-  const std::string blanks = " \t\r\n";
-  std::set<std::string> names;
-  for (std::size_t at = text.find('='); at != std::string::npos; at = text.find('=', at + 1)) {
-    std::size_t end = at;
-    while (end > 0 && blanks.find(text[end - 1]) != std::string::npos) --end;
-    std::size_t begin = end;
-    while (begin > 0 && (blanks + "<>='\"\\/").find(text[begin - 1]) == std::string::npos) --begin;
-    if (begin < end && names.size() < 20) names.insert(text.substr(begin, end - begin));
-  }
-  return names;
-}
-
-void sameAttributes(const DOM_Document& a, const DOM_Document& b,
-                    const std::set<std::string>& names) {
-  const std::vector<DOM_Element> inA = elementsBelow(a);
-  const std::vector<DOM_Element> inB = elementsBelow(b);
-  expect(inA.size() == inB.size(), "the elements are as many");
-  for (std::size_t i = 0; i < inA.size() && i < 200; ++i) {
-    for (const std::string& name : names) {
-      const DOMString valueA = fuzz::attribute(inA[i], name);
-      const DOMString valueB = fuzz::attribute(inB[i], name);
-      expect(valueA.isNull() == valueB.isNull(), "an attribute is there, or not, in both");
-      expectEqual(valueB.utf8(), valueA.utf8(), "an attribute's value is kept");
-    }
-  }
-}
-
 int depthOf(const DOM_Node& node) {
   int deepest = 0;
   for (DOM_Node child = node.getFirstChild(); !child.isNull(); child = child.getNextSibling()) {
@@ -131,9 +102,9 @@ void comesBack(const std::string& text, const DOM_Document& document) {
   const DOM_Document again = parse(once);
   if (again.isNull()) expectEqual(once, text, "what was written is accepted");
   expectEqual(written(again, "it can be written again"), once, "writing again changes nothing");
-  std::set<std::string> names = attributeNames(text);
-  names.merge(attributeNames(once));
-  sameAttributes(document, again, names);
+  std::set<std::string> names = fuzz::attributeNames(text);
+  names.merge(fuzz::attributeNames(once));
+  fuzz::sameAttributes(document, again, names);
   const auto outlineOf = declaresEntities(text) ? foldedOutline : outline;
   expectEqual(outlineOf(again), outlineOf(document), "the tree is the same");
   if (isMadeOfBytes(text)) mayBeFollowedByNuls(text, once);

@@ -11,9 +11,11 @@
 #include "Expect.h"
 #include "FuzzInput.h"
 #include "MString.h"
+#include "Tokens.h"
 
 using fuzz::expect;
 using fuzz::expectEqual;
+using fuzz::firstLine;
 
 namespace {
 
@@ -21,11 +23,6 @@ namespace {
 using Text = std::optional<std::string>;
 
 std::string beforeNul(const std::string& text) { return text.substr(0, text.find('\0')); }
-
-// What is taken of a NUL-terminated text: its first line.
-std::string firstLine(const std::string& text) {
-  return beforeNul(text.substr(0, text.find('\n')));
-}
 
 void sameText(const MString& string, const Text& text) {
   expect((string.isNull() != 0) == !text.has_value(), "a string is null when its model is");

@@ -7,16 +7,15 @@
 #include "Expect.h"
 #include "FuzzInput.h"
 #include "MString.h"
+#include "Tokens.h"
 
 using fuzz::expect;
 using fuzz::expectEqual;
 
 namespace {
 
-constexpr const char* kNone = "(null)";
-
 std::string textOf(const MString& string) {
-  if (string.isNull() != 0) return kNone;
+  if (string.isNull() != 0) return fuzz::kNoToken;
   return {string.gchar(), static_cast<std::size_t>(string.glength())};
 }
 
@@ -32,26 +31,6 @@ std::vector<std::string> cut(const std::string& text, char separator, std::size_
     tokens.push_back(piece.empty() ? "NULL" : piece);
     more = more && end != std::string::npos;
     if (more) rest.erase(0, end + 1);
-  }
-  return tokens;
-}
-
-// The texts between an opening character and the closing one behind it.
-std::vector<std::string> cutBrackets(const std::string& text, char open, char close,
-                                     std::size_t calls) {
-  std::vector<std::string> tokens;
-  std::string rest = text[0] == '\0' ? "" : text;
-  while (tokens.size() < calls) {
-    std::string piece;
-    const std::size_t opening = rest.find(open);
-    // The closing character is looked for from the opening one on, not behind it.
-    const std::size_t closing = opening == std::string::npos ? opening : rest.find(close, opening);
-    if (opening != std::string::npos && closing != opening) {
-      piece =
-          rest.substr(opening + 1, closing == std::string::npos ? closing : closing - opening - 1);
-    }
-    tokens.push_back(piece.empty() ? kNone : piece);
-    rest.erase(0, closing == std::string::npos ? closing : closing + 1);
   }
   return tokens;
 }
@@ -74,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     expectEqual(textOf(next), expected, "a token stands between two separators");
   }
   string.spSplit(open, close);
-  for (const std::string& expected : cutBrackets(text, open, close, calls)) {
+  for (const std::string& expected : fuzz::cutBrackets(text, open, close, calls)) {
     const MString next = string.spSplitNext();
     expectEqual(textOf(next), expected, "a token stands between two brackets");
   }

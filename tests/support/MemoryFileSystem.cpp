@@ -12,13 +12,16 @@ constexpr const char* kRoot = "/";
 // One text for every way to write a path, without a separator at its end; a path that does not say
 // where it starts is taken from the root.
 std::string plain(const std::string& path) {
-  std::string text = (std::filesystem::path(kRoot) / path).lexically_normal().string();
+  const bool isPlain = path.starts_with('/') && path.find("//") == std::string::npos &&
+                       path.find("/.") == std::string::npos;
+  std::string text =
+      isPlain ? path : (std::filesystem::path(kRoot) / path).lexically_normal().string();
   while (text.size() > 1 && text.back() == '/') text.pop_back();
   return text;
 }
 
 std::string parentOf(const std::string& path) {
-  return std::filesystem::path(path).parent_path().string();
+  return path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
 }
 
 // The longest name and the longest path that the operating system takes, in bytes.
@@ -26,6 +29,7 @@ constexpr std::size_t kLongestName = 255;
 constexpr std::size_t kLongestPath = 4095;
 
 bool isTooLong(const std::string& path) {
+  if (path.size() <= kLongestName) return false;
   if (path.size() > kLongestPath) return true;
   const std::filesystem::path pieces(path);
   return std::any_of(pieces.begin(), pieces.end(),
