@@ -83,15 +83,15 @@ Text contentOf(const std::string& path) {
   return bytes.substr(0, static_cast<std::size_t>(count));
 }
 
-// Whether the document was put among the copies, where its directories are in their way.
-bool isAmongCopies(const std::string& path) {
-  return KelNativePath(KelUnicodeString(path.c_str()).ConvertToWide())
-      .starts_with(stagingDirectory());
+// Whether the document was put into the recording, where it may be in the way of what belongs
+// there.
+bool isInRecording(const std::string& path) {
+  return KelNativePath(KelUnicodeString(path.c_str()).ConvertToWide()).starts_with("/drive/in");
 }
 
 // `content` is what has to be copied, if anything.
 void stagedAsExpected(const std::vector<std::string>& before, const Text& name, const Text& content,
-                      bool amongCopies) {
+                      bool inTheWay) {
   const std::string copy = copyOf(name);
   const auto& files = Emulated::files();
   for (const std::string& file : files.files()) {
@@ -104,7 +104,7 @@ void stagedAsExpected(const std::vector<std::string>& before, const Text& name, 
   const std::string rest = copy.empty() ? "" : copy.substr(stagingDirectory().size());
   const bool plainName =
       !rest.empty() && rest.find('/') == std::string::npos && rest != "." && rest != "..";
-  if (content && plainName && rest.size() < 256 && !amongCopies) {
+  if (content && plainName && rest.size() < 256 && !inTheWay) {
     expect(files.exists(copy), "the document is copied");
     expectEqual(files.bytes(copy), *content, "the copy has the document's bytes");
   }
@@ -145,6 +145,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const bool copied = content && (copy.empty() || !leavesDirectory(copy));
   const char* const line = copied ? "Copie des donnees: OK" : "Copie des donnees: KO";
   expect(emulated.trace.has(line), "the trace tells whether the document was read");
-  stagedAsExpected(before, name, copied ? content : Text(), isAmongCopies(*path));
+  stagedAsExpected(before, name, copied ? content : Text(), isInRecording(*path));
   return 0;
 }

@@ -210,6 +210,20 @@ TEST_F(KelXMLParseServicesHostileTest, AnElementMayHaveVeryManyAttributes) {
   EXPECT_FALSE(isAccepted(text + " a0=\"v\"/>"));
 }
 
+TEST_F(KelXMLParseServicesHostileTest, NoAttributeOfManyMayStandTwice) {
+  for (const int count : {28, 29, 30, 60, 113, 114, 115, 300}) {
+    for (int again = 0; again < count; ++again) {
+      // A new parser, with the smallest tables.
+      EXPECT_TRUE(isAccepted("<?xml version='1.1'?><a/>"));
+      std::string text = "<a";
+      for (int i = 0; i < count; ++i) text += " a" + std::to_string(i) + "=\"v\"";
+      const std::string twice = " a" + std::to_string(again) + "=\"v\"/>";
+      EXPECT_NE(refusalOf(text + twice).find("is already specified for element 'a'"),
+                std::string::npos);
+    }
+  }
+}
+
 TEST_F(KelXMLParseServicesHostileTest, NothingIsLeftBehindByTenThousandDocuments) {
   const std::string whole = "<!DOCTYPE a [<!ENTITY e 'x'><!ATTLIST b y CDATA 'z'>]><a>" +
                             repeated("<b x='1'>&e;</b>", 20) + "</a>";

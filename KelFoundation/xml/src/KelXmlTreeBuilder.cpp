@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
@@ -28,6 +29,24 @@ std::size_t UnitSizeOf(std::string name) {
   if (name.starts_with("UTF-16") || name.find("UCS-2") != std::string::npos) return 2;
   if (name.starts_with("UTF-32") || name.find("UCS-4") != std::string::npos) return 4;
   return 1;
+}
+
+// The scanner's table of the attributes of an element loses one whenever it grows, from this many
+// on: the same attribute again would pass.
+constexpr std::size_t kAttributesTold = 28;
+
+// Refuses an element that has two attributes of one name. The names of a tree are stored once each.
+void RefuseDoubles(const KelXmlNode& element) {
+  std::vector<const KelXmlName*> names;
+  for (const KelXmlNode* each = element.firstAttribute; each != nullptr; each = each->next) {
+    names.push_back(each->name);
+  }
+  std::sort(names.begin(), names.end());
+  const auto twice = std::adjacent_find(names.begin(), names.end());
+  if (twice == names.end()) return;
+  throw KelXmlFailure("attribute '" + std::string((*twice)->view()) +
+                      "' is already specified for element '" + std::string(element.name->view()) +
+                      "'");
 }
 
 bool IsEmpty(const XMLCh* text) { return text == nullptr || *text == 0; }
@@ -209,6 +228,7 @@ void KelXmlTreeBuilder::AddAttributes(KelXmlNode* element,
     SetText(*link, Text(attribute.getValue()));
     link = &(*link)->next;
   }
+  if (count > kAttributesTold) RefuseDoubles(*element);
 }
 
 void KelXmlTreeBuilder::ExtendText(const XMLCh* characters, std::size_t count) {
