@@ -7,6 +7,7 @@
 #include "KelFile.h"
 #include "KelLib.h"
 #include "MFile.h"
+#include "TableRoom.h"
 #include "ZetNorvDb_Record.h"
 #include "ZetNorvTrace.h"
 
@@ -41,6 +42,17 @@ bool splitFields(MString line, std::string& fields) {
   return true;
 }
 
+// How many of the lines become rows.
+int rowsIn(const std::string& text) {
+  std::istringstream lines(text);
+  std::string fields;
+  int rows = 0;
+  for (std::string line; std::getline(lines, line);) {
+    if (splitFields(MString(line.c_str()), fields)) ++rows;
+  }
+  return rows;
+}
+
 void addRow(const MString& line, ZetNorvDb_Table& table) {
   std::string fields;
   if (!splitFields(line, fields)) return;
@@ -69,6 +81,7 @@ long readDatabase(const MString& file, ZetNorvDb_Table& table) {
     ZetNorvTrace.TraPutLN(2, "Problem in ZetNorvDb::ZetNorvDb with KelFRead!");
     return S_OK;
   }
+  makeRoom(table, rowsIn(text));
   std::istringstream lines(std::move(text));
   for (std::string line; std::getline(lines, line);) addRow(MString(line.c_str()), table);
   return S_OK;

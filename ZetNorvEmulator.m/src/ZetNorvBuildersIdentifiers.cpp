@@ -7,6 +7,7 @@
 #include "Guard.h"
 #include "KelDOMServices.h"
 #include "NullReference.h"
+#include "TableRoom.h"
 #include "XmlText.h"
 #include "ZetNorvBuilders.h"
 #include "ZetNorvDb_Table.h"
@@ -47,6 +48,7 @@ long extract(const char* message, int size, const char* tag, ZetNorvDb_Table& ta
   }
   const DOM_NodeList elements = document.getElementsByTagName(tag);
   const unsigned int count = elements.getLength();
+  zetnorv::makeRoom(table, static_cast<int>(count));
   for (unsigned int i = 0; i < count; ++i) {
     addIdentifier(KelDOMServices::NodeToElement(elements.item(i)), table);
   }

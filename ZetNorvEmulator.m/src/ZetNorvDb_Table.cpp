@@ -7,6 +7,7 @@
 #include "KelLib.h"
 #include "NullReference.h"
 #include "OwningArray.h"
+#include "TableRoom.h"
 #include "ZetNorvTrace.h"
 
 namespace {
@@ -39,7 +40,32 @@ bool isReference(const ZetNorvDb_Record& row) {
   return row._nbData <= zetnorv::kPathFile || row._data[zetnorv::kPathFile].compare("Reference");
 }
 
+// Makes a full table larger by `slots`. False, with its content as it was, when that is refused.
+bool grow(ZetNorvDb_Table& table, int slots) {
+  int rowCapacity = table._capacity;
+  int markCapacity = table._capacity;
+  if (!zetnorv::growSlotsByCopying(table._rows, table._nbRows, rowCapacity, slots) ||
+      !zetnorv::growSlotsByCopying(table._marks, table._nbRows, markCapacity, slots)) {
+    return false;
+  }
+  table._capacity = rowCapacity;
+  return true;
+}
+
 }  // namespace
+
+namespace zetnorv {
+
+void makeRoom(ZetNorvDb_Table& table, int count) {
+  const int missing = count - (table._capacity - table._nbRows);
+  if (missing < 1) return;
+  // The free slots are taken into account, so that the table counts as full.
+  const int capacity = table._capacity;
+  table._capacity = table._nbRows;
+  if (!grow(table, count)) table._capacity = capacity;
+}
+
+}  // namespace zetnorv
 
 ZetNorvDb_Table::ZetNorvDb_Table(int n, MString header)
     : ZetNorvDb_Record(n, header, 0),
@@ -138,13 +164,7 @@ long ZetNorvDb_Table::add(ZetNorvDb_Record& rc) {
   std::unique_ptr<ZetNorvDb_Record> row(zetnorv::newCopy(&rc));
   std::unique_ptr<ZetNorvDb_Record> mark = newMark();
 
-  int rowCapacity = _capacity;
-  int markCapacity = _capacity;
-  if (!zetnorv::growSlotsByCopying(_rows, _nbRows, rowCapacity, 1) ||
-      !zetnorv::growSlotsByCopying(_marks, _nbRows, markCapacity, 1)) {
-    return E_FAIL;
-  }
-  _capacity = rowCapacity;
+  if (!grow(*this, 1)) return E_FAIL;
   _rows[_nbRows] = row.release();
   _marks[_nbRows] = mark.release();
   ++_nbRows;

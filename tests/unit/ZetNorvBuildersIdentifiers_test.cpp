@@ -119,6 +119,27 @@ TEST_P(ZetNorvBuildersIdentifiersTest, AppendsToTheTable) {
   EXPECT_EQ(rowsOf(table), (Texts{"1|NULL", "1|NULL"}));
 }
 
+TEST_P(ZetNorvBuildersIdentifiersTest, TheTableIsAsLargeAsRowsAddedOneByOneMakeIt) {
+  for (const bool released : {false, true}) {
+    for (int before = 0; before < 6; ++before) {
+      for (int count = 0; count < 8; ++count) {
+        ZetNorvDb_Table expected(2, MString("identifier,info"));
+        ZetNorvDb_Table filled(2, MString("identifier,info"));
+        if (released) expected.Release();
+        if (released) filled.Release();
+        std::string xml = "<r>";
+        for (int i = 0; i < before + count; ++i) expected.addRecord(MString("x"));
+        for (int i = 0; i < before; ++i) filled.addRecord(MString("x"));
+        for (int i = 0; i < count; ++i) xml += element("Identifier=\"x\"");
+        const std::string bytes = message(321, xml + "</r>");
+        GetParam().run(bytes.data(), static_cast<int>(bytes.size()), filled);
+        EXPECT_EQ(rowsOf(filled), rowsOf(expected));
+        EXPECT_EQ(filled._capacity, expected._capacity) << before << " and " << count;
+      }
+    }
+  }
+}
+
 TEST_P(ZetNorvBuildersIdentifiersTest, OtherElementsAreNotTaken) {
   EXPECT_EQ(extract(message(321,
                             "<r><LogObjects Identifier=\"1\"/><References Identifier=\"2\"/>"

@@ -110,6 +110,18 @@ TEST_F(ZetNorvDbTest, NulEndsTheTextOfItsLineAlone) {
   EXPECT_EQ(field(1, 8), "Stamp");
 }
 
+TEST_F(ZetNorvDbTest, TheTableIsAsLargeAsRowsAddedOneByOneMakeIt) {
+  std::string text;
+  for (int rows = 1; rows < 8; ++rows) {
+    DatabaseState::reset();
+    text += "<not><whole>\n" + row("A") + "\n";
+    writeBytes(loaded(), text);
+    construct();
+    EXPECT_EQ(ZetNorvDb::_database.getSize(), rows);
+    EXPECT_EQ(ZetNorvDb::_database._capacity, rows);
+  }
+}
+
 TEST_F(ZetNorvDbTest, LinesAroundTheBufferSizeAreReadWhole) {
   for (int length = 1019; length <= 1027; ++length) {
     DatabaseState::reset();
