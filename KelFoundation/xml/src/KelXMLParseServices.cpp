@@ -34,15 +34,28 @@ constexpr std::size_t kTreeMemoryPerByte = 40;
 // No text outgrows the size that a node keeps of it.
 constexpr std::size_t kLargestTree = std::numeric_limits<std::uint32_t>::max();
 
-// One line, also where a reason repeats control characters of the document.
-void Trace(std::string line) {
-  constexpr char kDelete = '\x7f';
-  const auto isControl = [](char c) { return (c >= '\0' && c < ' ') || c == kDelete; };
-  std::replace_if(line.begin(), line.end(), isControl, '?');
+// A reason may repeat bytes of the document: what would end the line, or steer a terminal, is
+// written as its number.
+std::string OnOneLine(const std::string& text) {
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  constexpr unsigned char kDelete = 0x7F;
+  std::string line;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= ' ' && byte != kDelete) {
+      line += c;
+    } else {
+      line += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 0xF]};
+    }
+  }
+  return line;
+}
+
+void Trace(const std::string& line) {
   static std::mutex mutex;
   static KelTrace trace("KelXML", "XML services", 0, "STDERR", kTraceLineLength);
   const std::lock_guard lock(mutex);
-  trace.TraPutLN(kTraceLevel, line.c_str());
+  trace.TraPutLN(kTraceLevel, OnOneLine(line).c_str());
 }
 
 long Refuse(const KelInputSource& source, const KelXmlFailure& failure) noexcept {
