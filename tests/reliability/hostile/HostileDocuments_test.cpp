@@ -20,9 +20,13 @@ namespace {
 
 constexpr std::size_t kMostMemory = std::size_t{256} * 1024 * 1024;
 
+// With the elements that the documents are made of, so that all of them are compared.
 constexpr const char* kScript =
-    "<Scripts><MessageXML value=\"321\"><Composant name=\"Harmless\" father=\"\" "
-    "attributs=\"Identifier\"/></MessageXML></Scripts>";
+    "<Scripts><MessageXML value=\"321\">"
+    "<Composant name=\"Harmless\" father=\"\" attributs=\"Identifier\"/>"
+    "<Composant name=\"a\" father=\"\" attributs=\"x a0 a39999\"/>"
+    "<Composant name=\"b\" father=\"a\" attributs=\"x\"/>"
+    "<Composant name=\"n\" father=\"a\" attributs=\"\"/></MessageXML></Scripts>";
 constexpr const char* kHarmless =
     "<Harmless Identifier=\"x\"><LogObject Identifier=\"of this run\"/></Harmless>";
 constexpr const char* kAnswer = "<A><LogObject Identifier=\"recorded\"/></A>";
@@ -217,6 +221,28 @@ TEST_F(HostileDocumentsTest, AsTheComparisonScript) {
         watched([&] { EXPECT_EQ(send(request(321, kHarmless)), E_FAIL); });
         EXPECT_EQ(receive("live").bytes, xmlAnswer(kAnswer));
       });
+}
+
+TEST_F(HostileDocumentsTest, WithVeryManyObjectsAreCheckedAndServed) {
+  constexpr int kObjects = 50000;
+  std::string sent = "<Harmless Identifier=\"x\">";
+  std::string recorded = "<A>";
+  std::string served = "<A>";
+  for (int i = 0; i < kObjects; ++i) {
+    sent += "<LogObject Identifier=\"new" + std::to_string(i) + "\"/>";
+    recorded += "<LogObject Identifier=\"" + std::to_string(i) + "\"/>";
+    served += "<LogObject Identifier=\"new" + std::to_string(i) + "\"/>";
+  }
+  sent += "</Harmless>";
+  recordStep(request(321, sent), xmlAnswer(recorded + "</A>"));
+  mode("REPLAY");
+  Received received{};
+  watched([&] {
+    EXPECT_EQ(send(request(321, sent)), S_OK);
+    received = receive("live");
+  });
+  EXPECT_EQ(received.result, S_OK);
+  EXPECT_TRUE(received.bytes == xmlAnswer(served + "</A>"));
 }
 
 TEST(WatchedSystemTest, SeesWhatIsOpenedConnectedAndTaken) {
