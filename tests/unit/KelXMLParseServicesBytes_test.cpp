@@ -124,6 +124,40 @@ TEST(KelXMLParseServicesBytesTest, ACharacterCutOrBrokenIsRefused) {
   }
 }
 
+TEST(KelXMLParseServicesBytesTest, ACharacterBeyondAllIsRefusedHoweverFarBehind) {
+  for (const std::size_t before : {0u, 31u, 40u, 1000u, 100000u}) {
+    const std::string text = "<a>" + std::string(before, 'x');
+    for (const std::string_view piece :
+         {"\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xF6\x90\x80\x80", "\xF7\xBF\xBF\xBF"}) {
+      const std::string document = text + std::string(piece) + "</a>";
+      EXPECT_FALSE(isAccepted(document)) << before;
+      EXPECT_FALSE(isAccepted("<?xml version='1.0' encoding='utf-8'?>" + document)) << before;
+      EXPECT_FALSE(isAccepted("<?xml version='1.0' encoding='UTF8'?>" + document)) << before;
+    }
+  }
+  EXPECT_EQ(refusalOf("<a>\n" + std::string(40, 'x') + "\xF7\x9F\x98\x80</a>"),
+            "test: line 2, column 41: a character beyond U+10FFFF");
+}
+
+TEST(KelXMLParseServicesBytesTest, TheSameBytesAreCharactersOfOtherEncodings) {
+  const std::string letters(40, 'x');
+  EXPECT_EQ(rewritten("<?xml version='1.0' encoding='ISO-8859-1'?><a>" + letters + "\xF7</a>"),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?><a>" + letters + "\xC3\xB7</a>");
+  const std::string open = "\xFF\xFE" + inUtf16("<a>", true);
+  EXPECT_EQ(rewritten(open + "\xF7\xF5"s + inUtf16("</a>", true)), "<a>\xEF\x97\xB7</a>");
+}
+
+TEST(KelXMLParseServicesBytesTest, AUnitThatIsNoCharacterIsRefused) {
+  const std::string open = inUcs4("<?xml version='1.0' encoding='ISO-10646-UCS-4'?><a>", true);
+  const std::string close = inUcs4("</a>", true);
+  EXPECT_EQ(rewritten(open + "\x00\xF6\x01\x00"s + close),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?><a>\xF0\x9F\x98\x80</a>");
+  EXPECT_FALSE(isAccepted(open + "\x00\x00\x11\x00"s + close));
+  // The scanner would take each of these for U+1F600.
+  EXPECT_FALSE(isAccepted(open + "\x3D\xD8\x00\x00\x00\xDE\x00\x00"s + close));
+  EXPECT_FALSE(isAccepted(open + "\x00\xF6\x01\x04"s + close));
+}
+
 TEST(KelXMLParseServicesBytesTest, AByteOrderMarkIsNoPartOfTheDocument) {
   EXPECT_EQ(rewritten("\xEF\xBB\xBF<a/>"), "<a/>");
   EXPECT_FALSE(isAccepted("\xEF\xBB\xBF"));

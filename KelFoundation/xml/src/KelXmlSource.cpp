@@ -12,6 +12,7 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr std::size_t kLargest = std::numeric_limits<std::int32_t>::max();
+constexpr std::uint32_t kLastCharacter = 0x10FFFF;
 
 // How the characters of markup are stored.
 struct Encoding {
@@ -67,6 +68,21 @@ std::size_t FindNul(std::string_view text, const Encoding& encoding) {
   return std::string_view::npos;
 }
 
+bool IsCharacter(std::uint32_t unit) {
+  constexpr std::uint32_t kFirstSurrogate = 0xD800;
+  constexpr std::uint32_t kLastSurrogate = 0xDFFF;
+  return unit < kFirstSurrogate || (unit > kLastSurrogate && unit <= kLastCharacter);
+}
+
+// The offset of the first unit of 4 bytes that is no character; npos when there is none.
+std::size_t FindNoCharacter(std::string_view text, const Encoding& encoding) {
+  if (encoding.unitSize != 4) return std::string_view::npos;
+  for (std::size_t at = 0; at + encoding.unitSize <= text.size(); at += encoding.unitSize) {
+    if (!IsCharacter(UnitAt(text, at, encoding))) return at;
+  }
+  return std::string_view::npos;
+}
+
 std::string_view WithoutNulsBehind(std::string_view text, const Encoding& encoding) {
   const std::size_t unit = encoding.unitSize;
   while (text.size() >= unit && UnitAt(text, text.size() - unit, encoding) == 0) {
@@ -101,7 +117,20 @@ KelXmlSource::KelXmlSource(std::string_view source) {
     Fail("a NUL inside or behind the document", text.substr(0, nul));
   }
   if (text.size() % encoding.unitSize != 0) Fail("the last character is cut", text);
+  // The scanner would take it for one, or two of them for one.
+  const std::size_t wrong = FindNoCharacter(text, encoding);
+  if (wrong != std::string_view::npos) Fail("a unit that is no character", text.substr(0, wrong));
   _text = text;
   _unitSize = encoding.unitSize;
+  _isAscii = encoding.unitSize == 1 && encoding.blanks == kBlanks;
   if (MayBeCut(text, _unitSize)) _blanks = encoding.blanks;
+}
+
+void KelXmlSource::InsistOnUtf8() const {
+  if (!_isAscii) return;
+  // Searched one by one, which is faster than for any of them at once.
+  for (const char lead : {'\xF5', '\xF6', '\xF7'}) {
+    const std::size_t at = _text.find(lead);
+    if (at != std::string_view::npos) Fail("a character beyond U+10FFFF", _text.substr(0, at));
+  }
 }

@@ -22,10 +22,14 @@ constexpr std::uint64_t kDeclaredAttributesSeenPerByte = 64;
 
 std::size_t Length(const XMLCh* text) { return std::char_traits<XMLCh>::length(text); }
 
-// The bytes in one unit of the encoding called `name`.
-std::size_t UnitSizeOf(std::string name) {
+std::string InCapitals(std::string name) {
   std::transform(name.begin(), name.end(), name.begin(),
                  [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+  return name;
+}
+
+// The bytes in one unit of the encoding called `name`, in capitals.
+std::size_t UnitSizeOf(const std::string& name) {
   if (name.starts_with("UTF-16") || name.find("UCS-2") != std::string::npos) return 2;
   if (name.starts_with("UTF-32") || name.find("UCS-4") != std::string::npos) return 4;
   return 1;
@@ -48,6 +52,9 @@ void RefuseDoubles(const KelXmlNode& element) {
                       "' is already specified for element '" + std::string(element.name->view()) +
                       "'");
 }
+
+// Whether `name`, in capitals, is one of those that UTF-8 goes by.
+bool IsUtf8(const std::string& name) { return name == "UTF-8" || name == "UTF8"; }
 
 bool IsEmpty(const XMLCh* text) { return text == nullptr || *text == 0; }
 
@@ -78,6 +85,7 @@ void KelXmlTreeBuilder::Begin(KelXmlTree& tree, xercesc::XMLScanner& scanner,
   _depth = 0;
   _declaredAttributesLeft =
       kDeclaredAttributesSeen + kDeclaredAttributesSeenPerByte * document.text().size();
+  _isUtf8 = true;
   _done = false;
 }
 
@@ -143,6 +151,12 @@ void KelXmlTreeBuilder::XMLDecl(const XMLCh* version, const XMLCh* encoding,
   prolog.hasEncoding = !IsEmpty(encoding);
   if (!IsEmpty(standalone)) prolog.standalone = Text(standalone);
   Located([&] { CheckDeclaration(encoding); });
+  _isUtf8 = IsEmpty(encoding) || IsUtf8(InCapitals(ToUtf8(encoding)));
+}
+
+void KelXmlTreeBuilder::endDocument() {
+  if (_isUtf8) _document->InsistOnUtf8();
+  _done = true;
 }
 
 void KelXmlTreeBuilder::doctypeDecl(const xercesc::DTDElementDecl& root, const XMLCh* publicId,
@@ -171,7 +185,7 @@ void KelXmlTreeBuilder::CheckDeclaration(const XMLCh* encoding) const {
   }
   // The scanner takes no notice of a declaration that cannot be true.
   const std::string name = ToUtf8(encoding);
-  if (!name.empty() && UnitSizeOf(name) != _document->unitSize()) {
+  if (!name.empty() && UnitSizeOf(InCapitals(name)) != _document->unitSize()) {
     throw KelXmlFailure("the document is not encoded in " + name);
   }
 }

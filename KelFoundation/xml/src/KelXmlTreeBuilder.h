@@ -33,7 +33,7 @@ class KelXmlTreeBuilder : public xercesc::XMLDocumentHandler, public xercesc::Do
                    const XMLCh* systemId, bool hasInternalSubset, bool hasExternalSubset) override;
   void startAttList(const xercesc::DTDElementDecl& element) override;
   void endIntSubset() override;
-  void endDocument() override { _done = true; }
+  void endDocument() override;
 
   // Nothing of the document type's content becomes a node of its own: the scanner itself applies
   // entities and default attributes.
@@ -86,5 +86,6 @@ class KelXmlTreeBuilder : public xercesc::XMLDocumentHandler, public xercesc::Do
   int _depth = 0;
   // How many more declared attributes the scanner may look at.
   std::uint64_t _declaredAttributesLeft = 0;
+  bool _isUtf8 = true;
   bool _done = false;
 };
