@@ -1,20 +1,14 @@
 #include "DataScript.h"
 
-#include <cstring>
-
 #include "KelLib.h"
 #include "NullReference.h"
 #include "OwningArray.h"
+#include "ScriptKind.h"
 #include "ZetNorvTrace.h"
 
 namespace {
 
 constexpr int kIncrement = 5;
-
-// Whether the script's kind is `kind`: the whole text, not a beginning of it.
-bool isOfKind(const MString& type, const char* kind) {
-  return type.gchar() != nullptr && std::strcmp(type.gchar(), kind) == 0;
-}
 
 long refuse(const char* line) {
   ZetNorvTrace.TraPutLN(2, line);
@@ -28,10 +22,10 @@ int DataScript::_nbInstances = 0;
 DataScript::DataScript(const char* kind) : type(kind) {
   ZetNorvTrace.TraPutLN(2, "ZetNorvScript_Pool: ", _nbInstances);
   ++_nbInstances;
-  if (isOfKind(type, "CHAR")) {
+  if (zetnorv::isOfKind(type, zetnorv::kCharacterScript)) {
     _capacity = kIncrement;
     _composants = zetnorv::newSlots<DataComposant>(_capacity);
-  } else if (isOfKind(type, "XML_")) {
+  } else if (zetnorv::isOfKind(type, zetnorv::kXmlScript)) {
     _capacity = kIncrement;
     _balises = zetnorv::newSlots<DataBalise>(_capacity);
   }

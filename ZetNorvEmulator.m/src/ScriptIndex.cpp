@@ -2,6 +2,7 @@
 
 #include "DOMString.h"
 #include "KelDOMServices.h"
+#include "ScriptKind.h"
 
 namespace zetnorv {
 
@@ -100,7 +101,7 @@ std::unique_ptr<DataScript> ScriptIndex::build(int messageNumber) const {
 }
 
 std::unique_ptr<DataScript> ScriptIndex::buildChar(const Entry& entry) const {
-  auto script = std::make_unique<DataScript>("CHAR");
+  auto script = std::make_unique<DataScript>(kCharacterScript);
   for (std::size_t i = entry.begin; i < entry.end; ++i) {
     const Line& line = _lines[i];
     const DataComposant composant(line.name.c_str(), line.size, textOrNull(line.sizeVar),
@@ -111,7 +112,7 @@ std::unique_ptr<DataScript> ScriptIndex::buildChar(const Entry& entry) const {
 }
 
 std::unique_ptr<DataScript> ScriptIndex::buildXml(const Entry& entry) const {
-  auto script = std::make_unique<DataScript>("XML_");
+  auto script = std::make_unique<DataScript>(kXmlScript);
   for (std::size_t i = entry.begin; i < entry.end; ++i) {
     const Line& line = _lines[i];
     DataBalise balise(line.name.c_str(), line.father.c_str());

@@ -16,6 +16,7 @@
 #include "Guard.h"
 #include "Msg.h"
 #include "MsgXML.h"
+#include "ScriptKind.h"
 #include "TextOf.h"
 
 using zetnorv::guarded;
@@ -70,8 +71,9 @@ class MessageCutter {
 std::unique_ptr<Msg> cutMessage(const char* buffer, int size, const DataScript& script) {
   auto msg = std::make_unique<Msg>();
   MessageCutter cutter(buffer, size);
+  const bool cuts = zetnorv::isOfKind(script.type, zetnorv::kCharacterScript);
   for (int i = 0; i < script.getSize() && !cutter.atEnd(); ++i) {
-    const DataComposant* entry = script.getComposant(i);
+    const DataComposant* entry = cuts ? script.getComposant(i) : nullptr;
     if (entry == nullptr) {
       ZetNorvTrace.TraPutLN(2, "builderMessage: dc Not Found");
       return nullptr;

@@ -14,6 +14,7 @@
 #include "ModelParts.h"
 #include "MsgXML.h"
 #include "NullReference.h"
+#include "ScriptKind.h"
 #include "TagReading.h"
 #include "TextOf.h"
 #include "XmlText.h"
@@ -106,8 +107,9 @@ void readEntry(const std::vector<DOM_Element>& elements, const DataBalise& entry
 long readDocument(const DOM_Document& document, const DataScript& script, TagSink& sink,
                   CollectorErrors* collector) {
   const NamedElements elements(document, script);
+  const bool names = zetnorv::isOfKind(script.type, zetnorv::kXmlScript);
   for (int i = 0; i < script.getSize(); ++i) {
-    const DataBalise* entry = script.getBalise(i);
+    const DataBalise* entry = names ? script.getBalise(i) : nullptr;
     if (entry == nullptr) {
       ZetNorvTrace.TraPutLN(2, "ZetNorvBuilders::builderMessage balise Not Found");
       return E_FAIL;

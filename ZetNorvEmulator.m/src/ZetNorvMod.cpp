@@ -9,7 +9,7 @@
 #include "Guard.h"
 #include "MFile.h"
 #include "Msg.h"
-#include "TextOf.h"
+#include "ScriptKind.h"
 #include "ZetNorvBuilders.h"
 #include "ZetNorvScript.h"
 
@@ -118,11 +118,10 @@ long compare(int messageNumber, const Message& sent, const char* referencePath) 
   if (reference.load(referencePath) != S_OK) return fail("runNorvLike: load != S_OK");
 
   const Run run{messageNumber, sent, *script, collector};
-  const char* type = zetnorv::textOf(script->type);
   long result = E_FAIL;
-  if (!reference.isEmpty() && std::strcmp(type, "XML_") == 0) {
+  if (!reference.isEmpty() && zetnorv::isOfKind(script->type, zetnorv::kXmlScript)) {
     result = compareXml(run, reference.message());
-  } else if (!reference.isEmpty() && std::strcmp(type, "CHAR") == 0) {
+  } else if (!reference.isEmpty() && zetnorv::isOfKind(script->type, zetnorv::kCharacterScript)) {
     result = compareChar(run, reference.message());
   } else {
     return fail("ZetNorvMod: runNorvLike: typeMsg errone");

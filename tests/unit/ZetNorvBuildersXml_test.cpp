@@ -49,13 +49,19 @@ class ZetNorvBuildersXmlTest : public testing::Test {
   }
 
   // Builds the message from a buffer that ends where `bytes` do.
-  long buildBytes(const std::string& bytes, CollectorErrors* findings) {
+  long buildBytes(const std::string& bytes, DataScript& tags, CollectorErrors* findings) {
     const std::vector<char> buffer(bytes.begin(), bytes.end());
     const char nothing = 0;
     return ZetNorvBuilders::builderMessage(buffer.empty() ? &nothing : buffer.data(),
-                                           static_cast<int>(buffer.size()), &script, msg, findings);
+                                           static_cast<int>(buffer.size()), &tags, msg, findings);
+  }
+  long buildBytes(const std::string& bytes, CollectorErrors* findings) {
+    return buildBytes(bytes, script, findings);
   }
   long build(const std::string& xml) { return buildBytes(message(40, xml), &collector); }
+  long buildWith(const std::string& xml, DataScript& tags) {
+    return buildBytes(message(40, xml), tags, &collector);
+  }
 
   TraceRecorder trace;
   DataScript script;
@@ -249,9 +255,12 @@ TEST_F(ZetNorvBuildersXmlTest, ANullScriptFailsAfterTheParsing) {
 }
 
 TEST_F(ZetNorvBuildersXmlTest, AScriptWithoutEntriesGivesAnEmptyMessage) {
-  EXPECT_EQ(build("<A/>"), S_OK);
-  EXPECT_EQ(describe(msg), Texts{});
-  EXPECT_EQ(findingsOf(collector), Texts{});
+  for (const char* kind : {"XML_", "CHAR", "OTHER"}) {
+    DataScript empty(kind);
+    EXPECT_EQ(buildWith("<A/>", empty), S_OK) << kind;
+    EXPECT_EQ(describe(msg), Texts{}) << kind;
+    EXPECT_EQ(findingsOf(collector), Texts{}) << kind;
+  }
 }
 
 TEST_F(ZetNorvBuildersXmlTest, ACharacterScriptReadsNoXmlMessage) {
@@ -259,13 +268,22 @@ TEST_F(ZetNorvBuildersXmlTest, ACharacterScriptReadsNoXmlMessage) {
   const DataComposant composant("A", 4, nullptr, 1, "S", "");
   fields.addComposant(&composant);
   trace.clear();
-  const std::string bytes = message(40, "<A/>");
-  EXPECT_EQ(ZetNorvBuilders::builderMessage(bytes.data(), static_cast<int>(bytes.size()), &fields,
-                                            msg, &collector),
-            E_FAIL);
+  EXPECT_EQ(buildWith("<A/>", fields), E_FAIL);
   EXPECT_EQ(trace.texts(), with(with(kStepsToParse, "Before datascript.getSize() "),
                                 "ZetNorvBuilders::builderMessage balise Not Found"));
   EXPECT_EQ(trace.lines().back().level, 2);
+}
+
+TEST_F(ZetNorvBuildersXmlTest, TagsOfAScriptThatSaysToBeOfAnotherKindReadNoMessage) {
+  for (const char* kind : {"CHAR", "XML_2", "XML", ""}) {
+    DataScript tags("XML_");
+    const DataBalise balise("A", "");
+    tags.addBalise(&balise);
+    tags.type = MString(kind);
+    EXPECT_EQ(buildWith("<A/>", tags), E_FAIL) << kind;
+    EXPECT_EQ(describe(msg), Texts{}) << kind;
+    EXPECT_EQ(trace.texts().back(), "ZetNorvBuilders::builderMessage balise Not Found") << kind;
+  }
 }
 
 TEST_F(ZetNorvBuildersXmlTest, TagsBeforeAnEmptySlotOfTheScriptStay) {

@@ -255,6 +255,17 @@ TEST_F(ZetNorvBuildersTest, AnXmlScriptCutsNoCharacterMessage) {
   EXPECT_EQ(cut("", script), Fields{});  // the message ends before the first entry
 }
 
+TEST_F(ZetNorvBuildersTest, FieldsOfAScriptThatSaysToBeOfAnotherKindCutNoMessage) {
+  for (const char* kind : {"XML_", "CHARS", "CHA", ""}) {
+    DataScript script = charScript({{"x", 2}});
+    script.type = MString(kind);
+    trace.clear();
+    EXPECT_EQ(cut("abcd", script), Fields{"none"}) << kind;
+    EXPECT_EQ(trace.texts(), std::vector<std::string>{"builderMessage: dc Not Found"}) << kind;
+    EXPECT_EQ(cut("", script), Fields{}) << kind;
+  }
+}
+
 TEST_F(ZetNorvBuildersTest, AnEmptySlotOfTheScriptEndsTheCutting) {
   DataScript script = charScript({{"x", 2}, {"y", 2}});
   delete script._composants[1];

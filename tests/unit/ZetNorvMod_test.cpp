@@ -26,6 +26,10 @@ constexpr const char* kScripts = R"(<Scripts>
     <Composant name="Number" size="4" compare="0"/>
     <Composant name="Body" size="8" compare="1"/>
   </MessageChar>
+  <MessageChar value="15">
+    <Composant name="$Length" size="4" compare="1"/>
+    <Composant name="Body" size="$Length" compare="1"/>
+  </MessageChar>
   <MessageXML value="40">
     <Composant name="Document" father="Answer" attributs="Identifier Type"/>
     <Composant name="Reference" father="Document" attributs="Name"/>
@@ -211,6 +215,19 @@ TEST_F(ZetNorvModTest, WhatLiesBehindTheLastFieldIsNotCompared) {
 TEST_F(ZetNorvModTest, AFieldThatIsNotComparedMakesEveryMessageDiffer) {
   const std::string bytes = message(13, "abcdefgh");
   expectCompared(13, bytes, bytes, charRun(), "13 - 0 Problem Problem with reference file ...\n");
+}
+
+TEST_F(ZetNorvModTest, AFieldIsAsLongAsItsMessageSays) {
+  const Texts lines = join({kBegin,
+                            kScriptBuilt,
+                            {kCharBuilt[0], "Ajout d'une variable."},
+                            {kCharBuilt[1], "Ajout d'une variable."},
+                            {"ZetNorvMod: End"}});
+  const std::string finding = "15 - 0 Problem Problem with reference file ...\n";
+  expectCompared(15, message(3, "abcdef"), message(3, "abcxyz"), lines, "");
+  expectCompared(15, message(4, "abcdef"), message(4, "abcxyz"), lines, finding);
+  // A length above 100 is taken for something else, and replaced by 4.
+  expectCompared(15, message(101, "abcdef"), message(101, "abcdxy"), lines, "");
 }
 
 TEST_F(ZetNorvModTest, SectionsAreAppended) {
