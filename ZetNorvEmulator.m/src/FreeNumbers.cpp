@@ -1,8 +1,6 @@
 #include "FreeNumbers.h"
 
 #include <algorithm>
-#include <charconv>
-#include <climits>
 #include <cstdio>
 #include <string_view>
 
@@ -10,6 +8,7 @@
 #include "KelLib.h"
 #include "KelUnicodeString.h"
 #include "ScenarioIndex.h"
+#include "TextOf.h"
 #include "ZetNorvToolBox.h"
 #include "ZetNorvToolBox/EnsureDirectory.h"
 
@@ -21,31 +20,10 @@ constexpr int kNone = -1;
 
 const char* prefixOf(Recorded kind) { return kind == Recorded::kRequest ? "save" : "rep"; }
 
-// The number that stands behind `start` in the line; kNone when there is none.
-int numberBehind(const std::string& start, const MString& line) {
-  if (line.isNull()) return kNone;
-  const std::string_view text(line.gchar());
-  const std::size_t at = text.find(start);
-  if (at == std::string_view::npos) return kNone;
-  int number = 0;
-  const char* const digits = text.data() + at + start.size();
-  const auto read = std::from_chars(digits, text.data() + text.size(), number);
-  return read.ec == std::errc() && number < INT_MAX ? number : kNone;
-}
-
-// The smallest number that is larger than those of all answers of `op` that index lines tell of.
-int numberBehindLines(int op) {
-  MString path;
-  ScenarioIndexReader index;
-  if (ZetNorvToolBox::getScePath(path) != S_OK) return 0;
-  path + MString("\\Scenario2.txt");
-  if (index.open(path.gchar()) != S_OK) return 0;
-  const std::string start = prefixOf(Recorded::kAnswer) + std::to_string(op) + '_';
-  int largest = kNone;
-  for (int i = 1; i <= index.count(); ++i) {
-    largest = std::max(largest, numberBehind(start, index.line(i)));
-  }
-  return largest + 1;
+std::string nameOf(const Series& series, int number) {
+  char name[48];
+  std::snprintf(name, sizeof name, "%s%d_%d.txt", prefixOf(series.first), series.second, number);
+  return name;
 }
 
 const char* made(const MString& directory) {
@@ -67,83 +45,72 @@ bool opens(const std::string& path) {
 
 bool isTaken(const std::string& path) { return isThere(path) || opens(path); }
 
+// Whether a line of "Scenario2.txt" tells of the file `name`; `unknown` when that cannot be told.
+bool hasLine(const std::string& name, bool unknown) {
+  MString path;
+  if (ZetNorvToolBox::getScePath(path) != S_OK) return unknown;
+  path + MString("\\Scenario2.txt");
+  ScenarioIndexReader index;
+  if (index.open(path.gchar()) != S_OK) return isTaken(path.gchar()) && unknown;
+  for (int i = 1; i <= index.count(); ++i) {
+    MString line = index.line(i);
+    line.spSplit('<', '>');
+    line.spSplitNext();
+    const MString field = line.spSplitNext();
+    const std::string_view recorded = textOf(field);
+    if (recorded.substr(recorded.find_last_of("/\\") + 1) == name) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 FreeNumbers::FreeNumbers(const MString& directory)
     : _directory(made(directory)), _watch(KelUnicodeString(_directory.c_str()).ConvertToWide()) {}
 
 std::string FreeNumbers::pathOf(const Series& series, int number) const {
-  char name[48];
-  std::snprintf(name, sizeof name, "\\%s%d_%d.txt", prefixOf(series.first), series.second, number);
-  return _directory + name;
+  return _directory + '\\' + nameOf(series, number);
 }
 
 int FreeNumbers::create(const Series& series, MFile& file, std::string& path) {
   forgetWhatChanged();
   for (int number = _next[series];; ++number) {
-    if (isLost(series, number) || isNamed(series, number)) continue;
+    if (isLost(series, number)) continue;
     path = pathOf(series, number);
     if (file.open(path.c_str(), "wx") == S_OK) return number;
     if (!isTaken(path)) return kNone;
   }
 }
 
-int FreeNumbers::smallest(const Series& series) {
+void FreeNumbers::take(const Series& series, int number) { _next[series] = number + 1; }
+
+int FreeNumbers::numberWithoutFile(const Series& series) {
   forgetWhatChanged();
-  int& next = _next[series];
-  while (isLost(series, next) || isTaken(pathOf(series, next))) ++next;
-  return next;
+  // Behind the next one lie files, and the lost ones.
+  const std::set<int>& lost = _lost[series];
+  int number = _next[series];
+  if (!lost.empty()) number = std::min(number, *lost.begin());
+  for (;; ++number) {
+    if (isLost(series, number)) return number;
+    if (!isTaken(pathOf(series, number)) && !hasLine(nameOf(series, number), false)) return number;
+  }
 }
 
-int FreeNumbers::unopened(const Series& series) {
-  const auto named = _named.find(series);
-  if (named != _named.end()) return named->second;
-  return std::max(smallest(series), numberBehindLines(series.second));
-}
+void FreeNumbers::lose(const Series& series, int number) { _lost[series].insert(number); }
 
-void FreeNumbers::take(const Series& series, int number) {
-  forgetNamed(series, number);
-  _next[series] = number + 1;
-}
-
-void FreeNumbers::lose(const Series& series, int number) {
-  forgetNamed(series, number);
-  _lost[series].insert(number);
-}
-
-void FreeNumbers::name(const Series& series, int number) {
-  forgetNamed(series, number);
-  _named[series] = number;
-}
-
-bool FreeNumbers::isLost(const Series& series, int number) const {
+bool FreeNumbers::isLost(const Series& series, int number) {
   const auto lost = _lost.find(series);
-  return lost != _lost.end() && lost->second.contains(number);
-}
-
-bool FreeNumbers::isNamed(const Series& series, int number) const {
-  const auto named = _named.find(series);
-  return named != _named.end() && named->second == number;
-}
-
-void FreeNumbers::forgetNamed(const Series& series, int number) {
-  const auto named = _named.find(series);
-  if (named == _named.end() || named->second == number) return;
-  _lost[series].insert(named->second);
-  _named.erase(named);
+  if (lost == _lost.end() || !lost->second.contains(number)) return false;
+  if (hasLine(nameOf(series, number), true)) return true;
+  // The line could not be written, or the scenario was removed and is recorded anew.
+  lost->second.erase(number);
+  return false;
 }
 
 void FreeNumbers::forgetWhatChanged() {
-  if (_watch.Changed()) {
-    made(MString(_directory.c_str()));
-    _next.clear();
-  }
-  // The directory's name may have come to stand for another one: the drive's root is not fixed.
-  std::string native = KelNativePath(KelUnicodeString(_directory.c_str()).ConvertToWide());
-  if (native == _native) return;
-  _native = std::move(native);
-  _lost.clear();
-  _named.clear();
+  if (!_watch.Changed()) return;
+  made(MString(_directory.c_str()));
+  _next.clear();
 }
 
 }  // namespace zetnorv

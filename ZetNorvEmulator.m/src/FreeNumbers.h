@@ -31,41 +31,30 @@ class FreeNumbers {
 
   std::string pathOf(const Series& series, int number) const;
 
-  // Opens a new file with the smallest free number that no index line names, and returns the
+  // Opens a new file with the smallest free number that is not a lost answer's, and returns the
   // number, with the file's path; a negative one when the file cannot be made.
   int create(const Series& series, MFile& file, std::string& path);
-
-  // The smallest free number.
-  int smallest(const Series& series);
-
-  // The number for the line of an answer whose file cannot be opened. In a directory that is out of
-  // reach, files cannot be told from missing ones: those that lines tell of keep their numbers.
-  int unopened(const Series& series);
 
   // Notes that the number, which create() gave, is taken now.
   void take(const Series& series, int number);
 
-  // Notes that no file gets the number from here on: an index line tells of a file of that number,
-  // which is lost.
+  // The number for the line of an answer that gets no file: the smallest free one, which may be
+  // that of another lost answer. In a directory that is out of reach, files cannot be told from
+  // missing ones; those that lines tell of keep their numbers.
+  int numberWithoutFile(const Series& series);
+
+  // Notes that the answer of that number is lost. No file gets the number as long as a line of
+  // "Scenario2.txt" tells of it.
   void lose(const Series& series, int number);
 
-  // Notes that an index line tells of a file of that number, which could not be opened. Only lines
-  // of that kind get the number from here on.
-  void name(const Series& series, int number);
-
  private:
-  bool isLost(const Series& series, int number) const;
-  bool isNamed(const Series& series, int number) const;
-  // What is named and is not this number is lost.
-  void forgetNamed(const Series& series, int number);
+  bool isLost(const Series& series, int number);
   void forgetWhatChanged();
 
   std::string _directory;
-  std::string _native;  // the directory that what is remembered below is about
   KelDirectoryWatch _watch;
   std::map<Series, int> _next;
   std::map<Series, std::set<int>> _lost;
-  std::map<Series, int> _named;
 };
 
 }  // namespace zetnorv

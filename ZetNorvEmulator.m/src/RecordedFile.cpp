@@ -37,36 +37,22 @@ void reportEmpty(Recorded kind, int op) {
   ZetNorvToolBox::writeLog(line);
 }
 
-enum class Filled {
-  kWhole,
-  kRemoved,  // broken, and gone
-  kBroken,   // and could not be removed
-};
-
 // Fills and closes the new file `path`; one that could not be filled is removed.
-Filled fill(MFile& file, const std::string& path, const char* message, int size) {
+long fill(MFile& file, const std::string& path, const char* message, int size) {
   const long written = message == nullptr ? S_OK : file.write(message, size);
   const long closed = file.close();
-  if (written == S_OK && closed == S_OK) return Filled::kWhole;
+  if (written == S_OK && closed == S_OK) return S_OK;
   ZetNorvTrace.TraPutLN(2, "Problem with KelFWrite!");
-  const long removed = KelFRemove(KelUnicodeString(path.c_str()).ConvertToWide());
-  return removed == S_OK ? Filled::kRemoved : Filled::kBroken;
+  KelFRemove(KelUnicodeString(path.c_str()).ConvertToWide());
+  return E_FAIL;
 }
 
-// The answers whose files could not be written keep their lines. Nothing that is there, now or
-// later, may be read as one of them, so the names in the lines are those of no other files.
-
-RecordedFile notOpened(FreeNumbers& numbers, const Series& series) {
-  ZetNorvTrace.TraPutLN(2, "Problem with KelFOpen w!");
+// What came of a file that could not be opened or filled. An answer keeps its line all the same.
+// Nothing that is there, now or later, may be read as that answer, so the name in the line is that
+// of no other answer's file, nor of a half one that could not be removed.
+RecordedFile lost(FreeNumbers& numbers, const Series& series) {
   if (series.first == Recorded::kRequest) return {E_FAIL, {}};
-  const int number = numbers.unopened(series);
-  numbers.name(series, number);
-  return {E_FAIL, numbers.pathOf(series, number)};
-}
-
-RecordedFile notFilled(FreeNumbers& numbers, const Series& series, int number, Filled filled) {
-  if (series.first == Recorded::kRequest) return {E_FAIL, {}};
-  if (filled == Filled::kBroken) number = numbers.smallest(series);
+  const int number = numbers.numberWithoutFile(series);
   numbers.lose(series, number);
   return {E_FAIL, numbers.pathOf(series, number)};
 }
@@ -87,9 +73,11 @@ RecordedFile writeRecordedFile(Recorded kind, int op, const char* message, int s
   MFile file;
   std::string path;
   const int number = numbers.create(series, file, path);
-  if (number < 0) return notOpened(numbers, series);
-  const Filled filled = fill(file, path, message, size);
-  if (filled != Filled::kWhole) return notFilled(numbers, series, number, filled);
+  if (number < 0) {
+    ZetNorvTrace.TraPutLN(2, "Problem with KelFOpen w!");
+    return lost(numbers, series);
+  }
+  if (fill(file, path, message, size) != S_OK) return lost(numbers, series);
   numbers.take(series, number);
   return {S_OK, std::move(path)};
 }

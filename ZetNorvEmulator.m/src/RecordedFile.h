@@ -13,8 +13,8 @@ struct RecordedFile {
   // S_OK when the file is complete and closed.
   long result;
   // Its full path, empty when it did not come to one. A path with a failed result names a file that
-  // is not there: what could not be written whole was removed, and no later answer of this process
-  // gets the name. Only answers whose files could not be opened, one after the other, share one.
+  // is not there: what could not be written whole was removed, and no file gets the name as long as
+  // a line of the answers' index tells of it. Several lost answers may share one.
   std::string path;
 };
 

@@ -355,10 +355,45 @@ TEST_F(RecordingTest, TheNameOfAnAnswerWhoseFileCannotBeOpenedIsNoOtherAnswers) 
   EXPECT_EQ(receive("last", 5).result, S_OK);
   EXPECT_EQ(readBytes(scenario("Scenario2.txt")),
             "<12><rep12_0.txt><3>\n<12><rep12_0.txt><3>\n<12><rep12_1.txt><4>\n"
-            "<12><rep12_2.txt><3>\n<12><rep12_3.txt><5>\n");
-  EXPECT_EQ(namesIn(reference()), (Names{"rep12_1.txt", "rep12_3.txt", "save12_0.txt"}));
+            "<12><rep12_0.txt><3>\n<12><rep12_2.txt><5>\n");
+  EXPECT_EQ(namesIn(reference()), (Names{"rep12_1.txt", "rep12_2.txt", "save12_0.txt"}));
   EXPECT_EQ(readBytes(reference("rep12_1.txt")), "next");
-  EXPECT_EQ(readBytes(reference("rep12_3.txt")), "last");
+  EXPECT_EQ(readBytes(reference("rep12_2.txt")), "last");
+}
+
+TEST_F(RecordingTest, AScenarioThatIsRemovedTakesTheNamesOfItsLostAnswersAlong) {
+  send(request(12, "x"));
+  block(reference("rep12_0.txt"));
+  EXPECT_EQ(receive("lost", 1).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_0.txt><1>\n");
+  std::filesystem::remove_all(scratch.file("in"));
+  send(request(12, "x"));
+  EXPECT_EQ(receive("recorded anew", 2).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_0.txt><2>\n");
+  EXPECT_EQ(readBytes(reference("rep12_0.txt")), "recorded anew");
+}
+
+TEST_F(RecordingTest, AnIndexThatCannotBeReadKeepsTheNamesOfLostAnswers) {
+  send(request(12, "x"));
+  FaultyFileSystem files;
+  files.fail(FaultyFileSystem::Call::kOpenWrite, 1);
+  EXPECT_EQ(receive("lost", 1).result, S_OK);
+  files.fail(FaultyFileSystem::Call::kOpenRead, 1, FaultyFileSystem::Times::kAlways);
+  EXPECT_EQ(receive("next", 2).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_0.txt><1>\n<12><rep12_1.txt><2>\n");
+  EXPECT_FALSE(exists(reference("rep12_0.txt")));
+}
+
+TEST_F(RecordingTest, ALostAnswerWithoutALineKeepsNoNumber) {
+  send(request(12, "x"));
+  {
+    FaultyFileSystem files;
+    files.fillDiskAtWrite(1);
+    EXPECT_EQ(receive("lost", 1).result, E_FAIL);
+  }
+  EXPECT_EQ(receive("next", 2).result, S_OK);
+  EXPECT_EQ(readBytes(scenario("Scenario2.txt")), "<12><rep12_0.txt><2>\n");
+  EXPECT_EQ(readBytes(reference("rep12_0.txt")), "next");
 }
 
 TEST_F(RecordingTest, AnAnswerThatIsLostWithTheDirectoryIsNotNamedAsOneBefore) {
@@ -524,6 +559,18 @@ TEST_F(RecordingTest, SaveAnswerDoesNotReportAnAnswerThatCouldNotBeWritten) {
   block(reference("rep77_0.txt"));
   EXPECT_EQ(saveAnswer(77, "direct", 3), S_OK);
   EXPECT_EQ(readBytes(scratch.file("xScenario2.txt")), "ERROR: NO FILE\nERROR: NO FILE\n");
+}
+
+TEST_F(RecordingTest, SaveAnswerTakesTheNumberOfAnAnswerThatCouldNotBeWritten) {
+  environment.set("App_SceFile", scratch.file("x"));
+  block(reference("rep77_0.txt"));
+  EXPECT_EQ(saveAnswer(77, "lost", 3), S_OK);
+  EXPECT_EQ(saveAnswer(77, "lost as well", 3), S_OK);
+  std::filesystem::remove(reference("rep77_0.txt"));
+  EXPECT_EQ(saveAnswer(77, "direct", 3), S_OK);
+  EXPECT_EQ(readBytes(scratch.file("xScenario2.txt")),
+            "ERROR: NO FILE\nERROR: NO FILE\n<77><\\in\\case1.rec\\Reference\\rep77_0.txt><3>\n");
+  EXPECT_EQ(readBytes(reference("rep77_0.txt")), "direct");
 }
 
 TEST_F(RecordingTest, AThousandRequestsKeepTheirNumbersAndOrder) {
