@@ -53,8 +53,9 @@ KEL_FOUNDATION_EXPORT long KelFSize(int descriptor, int* size);
 // and for a descriptor that is not open.
 KEL_FOUNDATION_EXPORT long KelFEof(int descriptor);
 
-// Copies the regular file `source` to `target`. An existing target is replaced when `mode` is 0 and
-// refused otherwise. The target appears whole or not at all.
+// Copies the regular file `source` to `target`. A file or a link of that name is replaced when
+// `mode` is 0 and refused otherwise; a directory or a device always is. The target appears whole or
+// not at all.
 KEL_FOUNDATION_EXPORT long KelFCopy(const wchar_t* source, const wchar_t* target, int mode);
 
 // --- Beyond what a client's own foundation offers (see the README's table) ---
@@ -62,7 +63,8 @@ KEL_FOUNDATION_EXPORT long KelFCopy(const wchar_t* source, const wchar_t* target
 // Removes the file `name`. S_OK when it was there and is gone.
 KEL_FOUNDATION_EXPORT long KelFRemove(const wchar_t* name);
 
-// Gives the file `from` the name `to`, replacing a file of that name in one step.
+// Gives the file `from` the name `to`, replacing a file or a link of that name in one step. Fails
+// when `to` is something else.
 KEL_FOUNDATION_EXPORT long KelFRename(const wchar_t* from, const wchar_t* to);
 
 // The form of `name` in which this system's file streams open it: bytes, NUL-terminated by c_str().

@@ -36,6 +36,7 @@ class KEL_FOUNDATION_EXPORT KelFileSystem {
   virtual long Truncate(int handle, std::int64_t size) = 0;
   virtual long Stamp(const std::string& path, KelFileStamp* stamp) = 0;
   virtual long Remove(const std::string& path) = 0;
+  // Replaces a file or a link of the name `to` in one step; fails for anything else of that name.
   virtual long Rename(const std::string& from, const std::string& to) = 0;
   // Makes one directory whose parent exists; S_OK only when it was made by this call.
   virtual long MakeDirectory(const std::string& path) = 0;

@@ -82,9 +82,7 @@ class PosixFileSystem : public KelFileSystem {
   }
   long Stamp(const std::string& path, KelFileStamp* stamp) override;
   long Remove(const std::string& path) override { return ResultOf(unlink(path.c_str())); }
-  long Rename(const std::string& from, const std::string& to) override {
-    return ResultOf(rename(from.c_str(), to.c_str()));
-  }
+  long Rename(const std::string& from, const std::string& to) override;
   long MakeDirectory(const std::string& path) override {
     return ResultOf(mkdir(path.c_str(), kDirectoryRights));
   }
@@ -178,6 +176,14 @@ long PosixFileSystem::Stamp(const std::string& path, KelFileStamp* stamp) {
   stamp->changed = Nanoseconds(found.st_ctim);
   stamp->settled = stamp->modified < now - kCoarseClock && stamp->changed < now - kCoarseClock;
   return S_OK;
+}
+
+long PosixFileSystem::Rename(const std::string& from, const std::string& to) {
+  // Of what is no file, a directory alone would be left in its place by the system.
+  struct stat there {};
+  const bool taken = lstat(to.c_str(), &there) == 0;
+  if (taken && !S_ISREG(there.st_mode) && !S_ISLNK(there.st_mode)) return E_FAIL;
+  return ResultOf(rename(from.c_str(), to.c_str()));
 }
 
 long PosixFileSystem::FindDirectory(const std::string& path, KelFileStamp* identity) {

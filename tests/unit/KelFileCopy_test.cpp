@@ -131,6 +131,22 @@ TEST_F(KelFileCopyTest, CopyOntoADirectoryFails) {
   EXPECT_TRUE(namesIn(target).empty());
 }
 
+TEST_F(KelFileCopyTest, CopyReplacesNothingButFilesAndLinks) {
+  writeBytes(source, "bytes");
+  makeFifo(target);
+  makeSocket(scratch.file("socket"));
+  EXPECT_EQ(copy(source, target, 0), E_FAIL);
+  EXPECT_EQ(copy(source, scratch.file("socket"), 0), E_FAIL);
+  EXPECT_EQ(rename(source, target), E_FAIL);
+  EXPECT_TRUE(std::filesystem::is_fifo(target));
+  EXPECT_TRUE(std::filesystem::is_socket(scratch.file("socket")));
+  EXPECT_EQ(names(), (Names{"socket", "source", "target"}));
+  std::filesystem::create_symlink(source, scratch.file("link"));
+  EXPECT_EQ(copy(source, scratch.file("link"), 0), S_OK);
+  EXPECT_FALSE(std::filesystem::is_symlink(scratch.file("link")));
+  EXPECT_EQ(readBytes(scratch.file("link")), "bytes");
+}
+
 TEST_F(KelFileCopyTest, CopyMakesNoDirectory) {
   writeBytes(source, "bytes");
   EXPECT_EQ(copy(source, scratch.file("missing/target"), 0), E_FAIL);
