@@ -1,5 +1,6 @@
 #include "StagedDocument.h"
 
+#include <string>
 #include <string_view>
 
 #include "KelFile.h"
@@ -12,13 +13,25 @@ namespace zetnorv {
 
 namespace {
 
-// What a copy is called until it is complete.
+// What a copy is called until it is complete: this, with a number behind it when that is taken.
 constexpr const char* kUnfinishedName = ".staging";
+constexpr int kUnfinishedNames = 100;
 
 MString fileIn(const MString& directory, const MString& name) {
   MString file(directory);
   file + name;
   return file;
+}
+
+// Writes the new file `from` and gives it the name `to`; it is gone again when that fails.
+void finish(MFile& file, const FileContent& content, const KelUnicodeString& from,
+            const KelUnicodeString& to) {
+  const long written = file.write(content.bytes(), content.size());
+  const long closed = file.close();
+  if (written != S_OK || closed != S_OK ||
+      KelFRename(from.ConvertToWide(), to.ConvertToWide()) != S_OK) {
+    KelFRemove(from.ConvertToWide());
+  }
 }
 
 }  // namespace
@@ -50,19 +63,16 @@ bool staysInDirectory(const MString& name) {
 
 void stageCopy(const MString& directory, const MString& name, const FileContent& content) {
   if (name.glength() < 1) return;
-  const MString unfinished = fileIn(directory, MString(kUnfinishedName));
   const MString copy = fileIn(directory, name);
-  const KelUnicodeString from(unfinished.gchar());
   const KelUnicodeString to(copy.gchar());
-  // What is left of a process that was killed, or a link to another place.
-  KelFRemove(from.ConvertToWide());
-  MFile file;
-  if (file.open(unfinished.gchar(), "wx") != S_OK) return;
-  const long written = file.write(content.bytes(), content.size());
-  const long closed = file.close();
-  if (written != S_OK || closed != S_OK ||
-      KelFRename(from.ConvertToWide(), to.ConvertToWide()) != S_OK) {
-    KelFRemove(from.ConvertToWide());
+  for (int i = 0; i < kUnfinishedNames; ++i) {
+    const std::string own = kUnfinishedName + (i == 0 ? "" : std::to_string(i));
+    if (own == name.gchar()) continue;
+    const MString unfinished = fileIn(directory, MString(own.c_str()));
+    const KelUnicodeString from(unfinished.gchar());
+    MFile file;
+    // What is there already stays: it may be the copy of a document that is called so.
+    if (file.open(unfinished.gchar(), "wx") == S_OK) return finish(file, content, from, to);
   }
 }
 

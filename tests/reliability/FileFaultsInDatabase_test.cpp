@@ -286,12 +286,13 @@ TEST_F(FaultsInDocuments, ACopyIsStagedWholeOrNotAtAll) {
       EXPECT_STREQ(ZetNorvDb::_copyFile.gchar(), documentName(exchange).c_str());
       EXPECT_EQ(trace.count("Copie des donnees: OK") + trace.count("Copie des donnees: KO"), 1);
       EXPECT_TRUE(faulted || trace.has("Copie des donnees: OK"));
+      // Where it cannot be removed, a piece of a copy stays under the name that no copy has.
       EXPECT_TRUE(family == "full_disk_remove" || !exists(staging + ".staging"));
     }
   };
   const auto stageAgain = [&](const std::string& family) {
     FaultyFileSystem files;
-    stage(files, family == "full_disk_remove" ? "none" : family);
+    stage(files, family);
   };
   Sweep{prepare, stage, stageAgain}.over(together({reading(), writing(), naming()}), 160);
 }

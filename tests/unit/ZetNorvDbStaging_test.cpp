@@ -209,7 +209,7 @@ TEST_F(ZetNorvDbStagingTest, CopyThatCannotBeWrittenIsOkAndLeavesNothing) {
       {"open", Call::kOpenWrite}, {"write", Call::kWrite}, {"rename", Call::kRename}};
   for (const CopyFault& fault : cases) {
     FaultyFileSystem files;
-    files.fail(fault.call, 1);
+    files.fail(fault.call, 1, FaultyFileSystem::Times::kAlways);
     EXPECT_EQ(stage(request(document(source()))), S_OK) << fault.what;
     EXPECT_EQ(trace.texts().back(), "Copie des donnees: OK") << fault.what;
     EXPECT_EQ(text(ZetNorvDb::_copyFile), "PN-7.KelPart") << fault.what;
@@ -234,19 +234,42 @@ TEST_F(ZetNorvDbStagingTest, FullDiskLeavesTheOlderCopyWhole) {
   EXPECT_EQ(readBytes(staging() + "/PN-7.KelPart"), "older");
 }
 
-TEST_F(ZetNorvDbStagingTest, LinksInTheStagingDirectoryAreReplacedAndNotFollowed) {
+TEST_F(ZetNorvDbStagingTest, ALinkUnderTheNameOfTheCopyIsReplacedAndNotFollowed) {
   const std::string outside = scratch.file("outside.txt");
   writeBytes(outside, "untouched");
-  for (const char* name : {".staging", "PN-7.KelPart"}) {
-    std::filesystem::remove_all(staging());
-    std::filesystem::create_directories(staging());
-    std::filesystem::create_symlink(outside, staging() + "/" + name);
-    EXPECT_EQ(stage(request(document(source()))), S_OK);
-    EXPECT_EQ(staged(), Texts{"PN-7.KelPart"}) << name;
-    EXPECT_FALSE(std::filesystem::is_symlink(staging() + "/PN-7.KelPart")) << name;
-    EXPECT_EQ(readBytes(staging() + "/PN-7.KelPart"), "content");
-    EXPECT_EQ(readBytes(outside), "untouched");
+  std::filesystem::create_directories(staging());
+  std::filesystem::create_symlink(outside, staging() + "/PN-7.KelPart");
+  EXPECT_EQ(stage(request(document(source()))), S_OK);
+  EXPECT_EQ(staged(), Texts{"PN-7.KelPart"});
+  EXPECT_FALSE(std::filesystem::is_symlink(staging() + "/PN-7.KelPart"));
+  EXPECT_EQ(readBytes(staging() + "/PN-7.KelPart"), "content");
+  EXPECT_EQ(readBytes(outside), "untouched");
+}
+
+TEST_F(ZetNorvDbStagingTest, WhatIsCalledAsACopyOnItsWayStays) {
+  const std::string outside = scratch.file("outside.txt");
+  writeBytes(outside, "untouched");
+  std::filesystem::create_directories(staging() + "/.staging");
+  std::filesystem::create_symlink(outside, staging() + "/.staging1");
+  std::filesystem::create_symlink(scratch.file("nowhere"), staging() + "/.staging2");
+  EXPECT_EQ(stage(request(document(source()))), S_OK);
+  EXPECT_EQ(staged(), (Texts{".staging", ".staging1", ".staging2", "PN-7.KelPart"}));
+  EXPECT_TRUE(std::filesystem::is_empty(staging() + "/.staging"));
+  EXPECT_EQ(readBytes(staging() + "/PN-7.KelPart"), "content");
+  EXPECT_EQ(readBytes(outside), "untouched");
+  EXPECT_FALSE(std::filesystem::exists(scratch.file("nowhere")));
+}
+
+TEST_F(ZetNorvDbStagingTest, ADocumentMayBeCalledAsACopyOnItsWay) {
+  for (const char* name : {".staging", ".staging1", ".staging"}) {
+    writeBytes(scratch.file(name), std::string("content of ") + name);
+    EXPECT_EQ(stage(request(document(scratch.file(name)))), S_OK);
   }
+  EXPECT_EQ(stage(request(document(source()))), S_OK);
+  EXPECT_EQ(staged(), (Texts{".staging", ".staging1", "PN-7.KelPart"}));
+  EXPECT_EQ(readBytes(staging() + "/.staging"), "content of .staging");
+  EXPECT_EQ(readBytes(staging() + "/.staging1"), "content of .staging1");
+  EXPECT_EQ(readBytes(staging() + "/PN-7.KelPart"), "content");
 }
 
 TEST_F(ZetNorvDbStagingTest, SourceWhoseReadingFailsIsKo) {
