@@ -18,9 +18,22 @@ namespace {
 constexpr int kFields = 9;
 constexpr int kColumns = 10;
 
-// Reads all of the open file. Rows are made of what is known to be whole only: of a line that broke
-// off, the last field would be taken as far as it goes.
-long readAll(const MFile& source, std::string& text) {
+// Closes the file also when there is no memory for what is in it.
+class ClosedAtEnd {
+ public:
+  explicit ClosedAtEnd(MFile& file) : _file(file) {}
+  ~ClosedAtEnd() { _file.close(); }
+  ClosedAtEnd(const ClosedAtEnd&) = delete;
+  ClosedAtEnd& operator=(const ClosedAtEnd&) = delete;
+
+ private:
+  MFile& _file;
+};
+
+// Reads all of the open file and closes it. Rows are made of what is known to be whole only: of a
+// line that broke off, the last field would be taken as far as it goes.
+long readAll(MFile& source, std::string& text) {
+  const ClosedAtEnd closed(source);
   int size = 0;
   if (KelFSize(source._descriptor, &size) != S_OK) return E_FAIL;
   text.resize(static_cast<std::size_t>(size));
@@ -75,9 +88,7 @@ long readDatabase(const MString& file, ZetNorvDb_Table& table) {
   MFile source;
   if (source.open(file.gchar(), "r") != S_OK) return E_FAIL;
   std::string text;
-  const long result = readAll(source, text);
-  source.close();
-  if (result != S_OK) {
+  if (readAll(source, text) != S_OK) {
     ZetNorvTrace.TraPutLN(2, "Problem in ZetNorvDb::ZetNorvDb with KelFRead!");
     return S_OK;
   }

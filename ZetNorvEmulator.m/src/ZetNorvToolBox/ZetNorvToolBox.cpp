@@ -11,16 +11,26 @@
 using zetnorv::ensureDirectory;
 using zetnorv::guarded;
 using zetnorv::isNullReference;
+using zetnorv::RefusedMemory;
 
 namespace {
 
 // Sets `value` to the text of the variable `name`; one without a text counts as missing, and so
-// does any when an old host handed in no string to put it in.
+// does any when there is no memory for it or an old host handed in no string to put it in.
 bool readVariable(const char* name, MString& value) {
   const char* text = nullptr;
   if (isNullReference(value) || KelGetEnvValue(name, &text) != S_OK) return false;
   value.set(text);
-  return true;
+  return !value.isNull();
+}
+
+// Runs what puts a text together: one that lacks a piece for want of memory is a failure.
+template <class Body>
+long composed(const char* operation, Body&& body) {
+  return guarded(operation, [&] {
+    const long result = body();
+    return RefusedMemory::wasMet() ? E_FAIL : result;
+  });
 }
 
 // Reports a missing variable under the name that the reader of the trace is used to.
@@ -75,6 +85,19 @@ long recordingPath(const char* leaf, MString& path) {
   return S_OK;
 }
 
+// Debug mode: the directory as it is given.
+long configuredPath(MString& path) {
+  if (readVariable("App_CfgFile", path)) return S_OK;
+  traceMissing(kNoConfiguration);
+  return E_FAIL;
+}
+
+long configurationPath(MString& path) {
+  if (inputRoot(path) != S_OK) return E_FAIL;
+  path + MString("\\Configuration\\");
+  return S_OK;
+}
+
 // S_OK when the run mode is `keyword` or a beginning of it.
 long modeIs(const char* keyword) {
   MString mode;
@@ -123,6 +146,22 @@ long appendToLog(const MString& file, const char* text, bool announce) {
   return appendText(path, text);
 }
 
+// Looks for `n` in the list, and prints what it passes. The list ends with its mark, so it is not
+// begun when there was no memory to put that there.
+long findNumber(int n, MString& numbers) {
+  numbers + MString(",END");
+  if (RefusedMemory::wasMet()) return E_FAIL;
+  numbers.split(',');
+  for (MString token = numbers.splitNext(); !token.compare("END"); token = numbers.splitNext()) {
+    token.print();
+    if (token.parseInt() == n) {
+      ZetNorvTrace.TraPutLN(2, "#### EXIT Cf. : ", n);
+      return S_OK;
+    }
+  }
+  return E_FAIL;
+}
+
 }  // namespace
 
 int ZetNorvToolBox::_rec = 0;
@@ -163,47 +202,52 @@ long ZetNorvToolBox::getZetName(MString& name) {
 }
 
 long ZetNorvToolBox::getVarEnvPath(MString& path) {
-  if (!readVariable("App_CfgFile", path)) {
-    traceMissing(kNoConfiguration);
-    return E_FAIL;
-  }
-  path + MString("varEnv.txt");
-  return S_OK;
+  return composed("ZetNorvToolBox::getVarEnvPath", [&] {
+    if (!readVariable("App_CfgFile", path)) {
+      traceMissing(kNoConfiguration);
+      return E_FAIL;
+    }
+    path + MString("varEnv.txt");
+    return S_OK;
+  });
 }
 
 long ZetNorvToolBox::getCfgPath(MString& path) {
-  if (debugging()) {
-    if (readVariable("App_CfgFile", path)) return S_OK;
-    traceMissing(kNoConfiguration);
-    return E_FAIL;
-  }
-  if (inputRoot(path) != S_OK) return E_FAIL;
-  path + MString("\\Configuration\\");
-  return S_OK;
+  return composed("ZetNorvToolBox::getCfgPath",
+                  [&] { return debugging() ? configuredPath(path) : configurationPath(path); });
 }
 
 long ZetNorvToolBox::getRefPath(MString& path) {
-  return debugging() ? debugPath("App_RefFile", kNoReference, "/Reference", path)
-                     : recordingPath(".rec\\Reference", path);
+  return composed("ZetNorvToolBox::getRefPath", [&] {
+    return debugging() ? debugPath("App_RefFile", kNoReference, "/Reference", path)
+                       : recordingPath(".rec\\Reference", path);
+  });
 }
 
 long ZetNorvToolBox::getScePath(MString& path) {
-  return debugging() ? debugPath("App_SceFile", kNoScenario, "/Scenario", path)
-                     : recordingPath(".rec\\Scenario", path);
+  return composed("ZetNorvToolBox::getScePath", [&] {
+    return debugging() ? debugPath("App_SceFile", kNoScenario, "/Scenario", path)
+                       : recordingPath(".rec\\Scenario", path);
+  });
 }
 
 long ZetNorvToolBox::getErrPath(MString& path) {
-  return debugging() ? debugPath("App_ErrFile", kNoError, "/Error", path) : S_OK;
+  if (!debugging()) return S_OK;
+  return composed("ZetNorvToolBox::getErrPath",
+                  [&] { return debugPath("App_ErrFile", kNoError, "/Error", path); });
 }
 
 long ZetNorvToolBox::writeLog(const char* text) {
-  return appendToLog(MString("\\trace.log"), text, false);
+  return guarded("ZetNorvToolBox::writeLog",
+                 [&] { return appendToLog(MString("\\trace.log"), text, false); });
 }
 
 long ZetNorvToolBox::writeLog(MString fileName, const char* text) {
-  MString file("\\");
-  file + fileName;
-  return appendToLog(file, text, true);
+  return guarded("ZetNorvToolBox::writeLog", [&] {
+    MString file("\\");
+    file + fileName;
+    return appendToLog(file, text, true);
+  });
 }
 
 long ZetNorvToolBox::StreamFromEmul(const char* source, KelUnicodeString& target) {
@@ -222,16 +266,8 @@ long ZetNorvToolBox::StreamFromEmul(const char* source, KelUnicodeString& target
 
 long ZetNorvToolBox::magicTool(int n) {
   if (!debugging()) return E_FAIL;
-  MString numbers;
-  if (!readVariable("ZETNORV_CONST", numbers)) return E_FAIL;
-  numbers + MString(",END");
-  numbers.split(',');
-  for (MString token = numbers.splitNext(); !token.compare("END"); token = numbers.splitNext()) {
-    token.print();
-    if (token.parseInt() == n) {
-      ZetNorvTrace.TraPutLN(2, "#### EXIT Cf. : ", n);
-      return S_OK;
-    }
-  }
-  return E_FAIL;
+  return composed("ZetNorvToolBox::magicTool", [&] {
+    MString numbers;
+    return readVariable("ZETNORV_CONST", numbers) ? findNumber(n, numbers) : E_FAIL;
+  });
 }

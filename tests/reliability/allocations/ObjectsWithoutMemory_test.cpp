@@ -3,6 +3,8 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "../FaultedSession.h"
 #include "AttributXML.h"
@@ -19,6 +21,7 @@
 #include "MVar.h"
 #include "Msg.h"
 #include "MsgXML.h"
+#include "OwnProcess.h"
 #include "QuietConsole.h"
 #include "ZetNorvDb.h"
 #include "ZetNorvDb_Record.h"
@@ -34,23 +37,29 @@ using Times = FailingAllocations::Times;
 
 class ObjectsWithoutMemoryTest : public EmulatorFixture {
  protected:
-  // Runs `body` with every request failing in turn, once and for good, until none failed.
-  static int sweep(const std::function<void()>& body) {
+  // Runs `body` with every request failing in turn, once and for good, until none failed. What it
+  // calls within the memory it is given meets the failing requests; the rest of it does not.
+  static int sweepCalls(const std::function<void(FailingAllocations&)>& body) {
     int points = 0;
     for (const Times times : {Times::kOnce, Times::kAlways}) {
       for (long nth = 1; !HasFailure(); ++nth) {
         SCOPED_TRACE("request " + std::to_string(nth) +
                      (times == Times::kOnce ? " alone" : " and all behind it"));
         const QuietConsole console;
+        const int descriptors = openDescriptors();
         FailingAllocations memory(nth, times);
-        memory.within(body);
+        body(memory);
         EXPECT_FALSE(memory.hasThrown());
+        EXPECT_EQ(openDescriptors(), descriptors);
         if (!memory.hasFailed()) break;
         ++points;
       }
     }
     RecordProperty("points", points);
     return points;
+  }
+  static int sweep(const std::function<void()>& body) {
+    return sweepCalls([&](FailingAllocations& memory) { memory.within(body); });
   }
 };
 
@@ -108,7 +117,7 @@ TEST_F(ObjectsWithoutMemoryTest, CollectorsAndScriptsKeepToWhatTheyHold) {
     CollectorErrors errors(12);
     for (int i = 0; i < 12; ++i) errors.addError(i, "name", "details");
     CollectorErrors copy(errors);
-    DataScript script("XML");
+    DataScript script("XML_");
     for (int i = 0; i < 12; ++i) {
       DataBalise balise("name", "father");
       EXPECT_NE(script.addBalise(&balise), 1);
@@ -158,6 +167,82 @@ TEST_F(ObjectsWithoutMemoryTest, FilesAndSettingsAnswerThatTheyFailed) {
     ZetNorvToolBox::inDebugMode();
   });
   EXPECT_GT(points, 15);
+}
+
+TEST_F(ObjectsWithoutMemoryTest, SettingsAreWholeOrFail) {
+  struct Setting {
+    long (*get)(MString& value);
+    std::string whole;
+  };
+  const auto sweepSettings = [](const std::vector<Setting>& settings) {
+    return sweepCalls([&](FailingAllocations& memory) {
+      for (const Setting& setting : settings) {
+        SCOPED_TRACE(setting.whole);
+        MString value;
+        long result = S_OK;
+        memory.within([&] { result = setting.get(value); });
+        if (result == S_OK) {
+          EXPECT_STREQ(value.gchar(), setting.whole.c_str());
+        } else {
+          EXPECT_EQ(result, E_FAIL);
+        }
+      }
+      memory.within([] {
+        EXPECT_EQ(ZetNorvToolBox::inReplayMode(), E_FAIL);
+        EXPECT_EQ(ZetNorvToolBox::inOldMode(), E_FAIL);
+      });
+    });
+  };
+  mode("SAVE");
+  EXPECT_GT(sweepSettings({{&ZetNorvToolBox::getModeValue, "SAVE"},
+                           {&ZetNorvToolBox::getZetName, "case1"},
+                           {&ZetNorvToolBox::getRefPath, "\\in\\case1.rec\\Reference"},
+                           {&ZetNorvToolBox::getScePath, "\\in\\case1.rec\\Scenario"},
+                           {&ZetNorvToolBox::getCfgPath, "\\in\\Configuration\\"}}),
+            30);
+  debugMode("SAVE");
+  EXPECT_GT(sweepSettings({{&ZetNorvToolBox::getModeValue, "SAVE"},
+                           {&ZetNorvToolBox::getRefPath, scratch.file("ref/case1/Reference")},
+                           {&ZetNorvToolBox::getScePath, scratch.file("sce/case1/Scenario")},
+                           {&ZetNorvToolBox::getErrPath, scratch.file("err/case1/Error")},
+                           {&ZetNorvToolBox::getCfgPath, scratch.file("cfg/")},
+                           {&ZetNorvToolBox::getVarEnvPath, scratch.file("cfg/varEnv.txt")}}),
+            30);
+}
+
+TEST_F(ObjectsWithoutMemoryTest, TheMagicToolComesToAnEnd) {
+  debugMode("SAVE");
+  environment.set("ZETNORV_CONST", "3,7");
+  const int points = sweep([] {
+    EXPECT_EQ(ZetNorvToolBox::magicTool(5), E_FAIL);
+    EXPECT_EQ(ZetNorvToolBox::magicTool(0), E_FAIL);
+    const long found = ZetNorvToolBox::magicTool(7);
+    EXPECT_TRUE(found == S_OK || found == E_FAIL);
+  });
+  EXPECT_GT(points, 15);
+  const QuietConsole console;
+  EXPECT_EQ(ZetNorvToolBox::magicTool(7), S_OK);
+}
+
+TEST_F(ObjectsWithoutMemoryTest, LogsAreWrittenToTheirPlaceOrNotAtAll) {
+  using Texts = std::vector<std::string>;
+  debugMode("SAVE");
+  const int points = sweepCalls([this](FailingAllocations& memory) {
+    for (const char* name : {"trace.log", "own.log"}) writeBytes(debugLog(name), "");
+    const MString own("own.log");
+    long traced = S_OK;
+    long logged = S_OK;
+    memory.within([&] {
+      traced = ZetNorvToolBox::writeLog("line\n");
+      logged = ZetNorvToolBox::writeLog(own, "line\n");
+    });
+    EXPECT_EQ(readBytes(debugLog("trace.log")), traced == S_OK ? "line\n" : "");
+    EXPECT_EQ(readBytes(debugLog("own.log")), logged == S_OK ? "line\n" : "");
+    EXPECT_EQ(namesIn(scratch.file("err")), Texts{"case1"});
+    EXPECT_EQ(namesIn(scratch.file("err/case1")), Texts{"Error"});
+    EXPECT_EQ(namesIn(scratch.file("err/case1/Error")), (Texts{"own.log", "trace.log"}));
+  });
+  EXPECT_GT(points, 30);
 }
 
 TEST_F(ObjectsWithoutMemoryTest, ScriptsAreBuiltOrNot) {
