@@ -47,11 +47,11 @@ bool isTaken(const std::string& path) { return isThere(path) || opens(path); }
 
 // Whether a line of "Scenario2.txt" tells of the file `name`; `unknown` when that cannot be told.
 bool hasLine(const std::string& name, bool unknown) {
-  MString path;
-  if (ZetNorvToolBox::getScePath(path) != S_OK) return unknown;
-  path + MString("\\Scenario2.txt");
+  MString scenario;
+  if (ZetNorvToolBox::getScePath(scenario) != S_OK) return unknown;
+  const std::string path = std::string(textOf(scenario)) + "\\Scenario2.txt";
   ScenarioIndexReader index;
-  if (index.open(path.gchar()) != S_OK) return isTaken(path.gchar()) && unknown;
+  if (index.open(path.c_str()) != S_OK) return unknown && isTaken(path);
   for (int i = 1; i <= index.count(); ++i) {
     MString line = index.line(i);
     line.spSplit('<', '>');
@@ -92,7 +92,8 @@ int FreeNumbers::numberWithoutFile(const Series& series) {
   if (!lost.empty()) number = std::min(number, *lost.begin());
   for (;; ++number) {
     if (isLost(series, number)) return number;
-    if (!isTaken(pathOf(series, number)) && !hasLine(nameOf(series, number), false)) return number;
+    if (isTaken(pathOf(series, number))) continue;
+    if (!hasLine(nameOf(series, number), false)) return number;
   }
 }
 
