@@ -19,8 +19,8 @@ constexpr int kSaveObjects = 321;
 constexpr int kNavigate = 319;
 constexpr int kHeaderBytes = 8;
 
-long fail(int level, const char* line) {
-  ZetNorvTrace.TraPutLN(level, line);
+long fail(const char* line) {
+  ZetNorvTrace.TraPutLN(2, line);
   return E_FAIL;
 }
 
@@ -60,7 +60,7 @@ long fieldsAtCursor(const ScenarioIndexReader& index, AnswerFields& fields) {
     int operation = 0;
     if (takeFields(index.line(number), fields, operation) != S_OK) return E_FAIL;
     // A field that got no memory is no other operation's.
-    if (zetnorv::RefusedMemory::wasMet()) return fail(2, kNoMemory);
+    if (zetnorv::RefusedMemory::wasMet()) return fail(kNoMemory);
     if (number == cursor && operation != ZetNorvEmul::_nOp) ++cursor;
   }
   return S_OK;
@@ -117,7 +117,7 @@ long serveRewritten(const std::string& text, const char* recorded, char*& answer
   const int length = static_cast<int>(text.size());
   ZetNorvTrace.TraPutLN(2, "ZetNorvEmul: Copie des buffers modifies", length);
   char* bytes = newAnswer(text);
-  if (bytes == nullptr) return fail(2, kNoMemory);
+  if (bytes == nullptr) return fail(kNoMemory);
   hand(bytes, length + kHeaderBytes, answer, size);
   logRewriting(text, bytes + kHeaderBytes, recorded + kHeaderBytes);
   ZetNorvTrace.TraPutLN(2, "ZetNorvEmul: Fin Copie des buffers modifies");
@@ -148,7 +148,7 @@ long serve(char*& recorded, int length, char*& answer, int* size) {
   switch (zetnorv::rewriteAnswer(recorded + kHeaderBytes, length - kHeaderBytes, text)) {
     case zetnorv::Rewriting::kDone:
       // An identifier may have got no memory.
-      if (zetnorv::RefusedMemory::wasMet()) return fail(2, kNoMemory);
+      if (zetnorv::RefusedMemory::wasMet()) return fail(kNoMemory);
       return serveRewritten(text, recorded, answer, size);
     case zetnorv::Rewriting::kNothingToRewrite:
       return servePlain(recorded, length, answer, size);
@@ -162,13 +162,13 @@ long openAnswerIndex(ScenarioIndexReader& index, bool& missing) {
   ZetNorvTrace.TraPutLN(2, "ZetNorvEmul: KelGetEnvValue App_SceFile");
   MString path;
   if (ZetNorvToolBox::getScePath(path) != S_OK) {
-    return fail(2, "#### Problem Var ZET: App_SceFile");
+    return fail("#### Problem Var ZET: App_SceFile");
   }
   path + MString("\\Scenario2.txt");
   ZetNorvTrace.TraPutLN(2, "ZetNorvEmul: MFile Open");
   if (index.open(path.gchar()) == S_OK) return S_OK;
   missing = true;
-  return fail(2, "Problem in ZetNorvEmul::postWensnd with KelFOpen!");
+  return fail("Problem in ZetNorvEmul::postWensnd with KelFOpen!");
 }
 
 }  // namespace
@@ -177,9 +177,9 @@ namespace zetnorv {
 
 long replayAnswer(char** answer, int* size, int* status) {
   if (size == nullptr || status == nullptr) {
-    return fail(2, "Problem in ZetNorvEmul::postWensnd: size or status == NULL");
+    return fail("Problem in ZetNorvEmul::postWensnd: size or status == NULL");
   }
-  if (answer == nullptr) return fail(2, "Problem in ZetNorvEmul::postWensnd: answer == NULL");
+  if (answer == nullptr) return fail("Problem in ZetNorvEmul::postWensnd: answer == NULL");
   ScenarioIndexReader index;
   bool missing = false;
   // Without an index the live answer stays, and that is no failure.
@@ -191,7 +191,7 @@ long replayAnswer(char** answer, int* size, int* status) {
   char* recorded = nullptr;
   int length = 0;
   if (MFile().load(fields.path, recorded, length) != S_OK) {
-    return fail(2, "ZetNorvEmul: error load file2");
+    return fail("ZetNorvEmul: error load file2");
   }
   // Released here unless it became the client's answer.
   const OwnedBytes owner(recorded);

@@ -86,7 +86,7 @@ TEST(TraceRecorderTest, HearsEveryTraceButTellsTheLibrarysOwnTextsApart) {
   TraceRecorder trace;
   ZetNorvTrace.TraPutLN(2, "one");
   other.TraPutLN(1, "one");
-  ZetNorvTrace.TraPutLN(4, "two");
+  ZetNorvTrace.TraPutLN(2, "two");
   ZetNorvTrace.TraPutLN(2, "one");
   EXPECT_EQ(trace.lines().size(), 4U);
   EXPECT_EQ(trace.lines()[1].trace, "Other");

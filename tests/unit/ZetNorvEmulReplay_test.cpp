@@ -78,6 +78,22 @@ TEST_F(ReplayTest, ANulFollowsTheServedBytes) {
   delete[] answer;
 }
 
+TEST_F(ReplayTest, ANulFollowsTheRewrittenBytes) {
+  identifiers(321, {"a longer one"}, {});
+  index("<321><a><0>\n");
+  recorded("a", xmlAnswer("<a><LogObject Identifier=\"1\"/></a>"));
+  const std::string served = rewritten("<a><LogObject Identifier=\"a longer one\"/></a>");
+  char* answer = nullptr;
+  int bytes = 0;
+  int status = 0;
+  int* size = &bytes;
+  int* state = &status;
+  ASSERT_EQ(ZetNorvEmul::postWensnd(0, answer, size, state), S_OK);
+  EXPECT_EQ(std::string(answer, static_cast<std::size_t>(bytes)), served);
+  EXPECT_EQ(answer[bytes], '\0');
+  delete[] answer;
+}
+
 TEST_F(ReplayTest, AnEmptyRecordingServesNoBytes) {
   ZetNorvEmul::_nOp = 12;
   index("<12><a><0>\n");

@@ -19,10 +19,11 @@ TEST(ZetNorvTraceTest, BearsItsNameAndDescription) {
 TEST(ZetNorvTraceTest, PutsLinesWithWhatIsAppended) {
   const TraceRecorder trace;
   ZetNorvTrace.TraPutLN(2, "Problem");
-  ZetNorvTrace.TraPutLN(4, "> ", "text");
+  ZetNorvTrace.TraPutLN(4, "> Recopie du document ", "text");
   ZetNorvTrace.TraPutLN(2, "[nOp] ", -321);
   ASSERT_EQ(trace.lines().size(), 3U);
-  EXPECT_EQ(trace.texts(), (std::vector<std::string>{"Problem", "> text", "[nOp] -321"}));
+  EXPECT_EQ(trace.texts(),
+            (std::vector<std::string>{"Problem", "> Recopie du document text", "[nOp] -321"}));
   EXPECT_EQ(trace.lines()[0].level, 2);
   EXPECT_EQ(trace.lines()[1].level, 4);
   EXPECT_EQ(trace.lines()[2].level, 2);
