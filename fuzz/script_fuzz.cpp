@@ -1,9 +1,12 @@
-// Comparison scripts: the script of a number against a second walk over the file.
-#include <charconv>
+// Comparison scripts: the script of a number against a second walk over the file, whose bytes are
+// the input's, or which is composed of what scripts are made of.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "DataScript.h"
@@ -94,6 +97,28 @@ std::string describe(const DataBalise& entry) {
   return text;
 }
 
+// Whether `text` begins with `beginning`; the NUL behind a text counts as one of its bytes.
+bool begins(const std::string& beginning, const std::string& text) {
+  return (text + '\0').substr(0, beginning.size()) == beginning;
+}
+
+// Each tag inside the father of another, and inside its own.
+void allowsWhatAnEntrySays(const DataScript& script) {
+  const int last = std::min(script.getSize(), 10) - 1;
+  for (int i = 0; i <= last && script.getBalise(i) != nullptr; ++i) {
+    const MString& name = script.getBalise(i)->name;
+    const MString& father = script.getBalise(last - i)->father;
+    bool allowed = false;
+    for (int j = 0; j < script.getSize(); ++j) {
+      const DataBalise& entry = *script.getBalise(j);
+      allowed = allowed || (begins(textOf(entry.name), textOf(name)) &&
+                            begins(textOf(entry.father), textOf(father)));
+    }
+    expect(script.hasBalise(father, name) == (allowed ? 1 : 0), "an entry allows a tag, or none");
+    expect(script.hasBalise(script.getBalise(i)->father, name) == 1, "an entry allows its own tag");
+  }
+}
+
 std::vector<std::string> entriesOf(const DataScript& script) {
   std::vector<std::string> texts{textOf(script.type)};
   for (int i = 0; i < script.getSize(); ++i) {
@@ -103,13 +128,60 @@ std::vector<std::string> entriesOf(const DataScript& script) {
   return texts;
 }
 
+// What scripts are made of, and what nearly is.
+constexpr std::string_view kTags[] = {"MessageChar", "MessageXML", "Composant",
+                                      "Composant",   "Composants", "g"};
+constexpr std::string_view kAttributes[] = {"value",  "name",   "size",      "compare", "type",
+                                            "repeat", "father", "attributs", "path",    "Value"};
+constexpr std::string_view kValues[] = {"12", "12", "40",      "-1",         "012",    " 12",
+                                        "+7", "$n", "a b",     "a  b ",      "Doc",    "Document",
+                                        "I",  "",   "x&#10;y", "2147483648", "&#36;x", "\xC3\xA9"};
+
+template <std::size_t count>
+std::string oneOf(const std::string_view (&texts)[count], fuzz::Input& input) {
+  return std::string(texts[input.byte() % count]);
+}
+
+std::string composedAttributes(fuzz::Input& input) {
+  std::map<std::string, std::string> values;
+  for (int count = input.upTo(6); count > 0; --count) {
+    const std::string name = oneOf(kAttributes, input);
+    values[name] = oneOf(kValues, input);
+  }
+  std::string text;
+  for (const auto& [name, value] : values) text += " " + name + "=\"" + value + "\"";
+  return text;
+}
+
+// Elements in any order and depth, all of them closed.
+std::string composed(fuzz::Input& input) {
+  std::string text = "<Scripts>";
+  std::vector<std::string> open{"Scripts"};
+  for (int steps = 0; steps < 40 && !input.atEnd(); ++steps) {
+    const int kind = input.upTo(3);
+    if (kind == 0 && open.size() > 1) {
+      text += "</" + open.back() + ">";
+      open.pop_back();
+      continue;
+    }
+    const std::string tag = oneOf(kTags, input);
+    text += "<" + tag + composedAttributes(input) + (kind == 1 ? ">" : "/>");
+    if (kind == 1) open.push_back(tag);
+  }
+  for (; !open.empty(); open.pop_back()) text += "</" + open.back() + ">";
+  return text;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   fuzz::Input input(bytes, size);
-  const int messageNumber = input.upTo(20) - 1;
-  const std::string text = input.rest();
+  const int first = input.byte();
+  const int messageNumber = first % 21 - 1;
+  const bool isComposed = first >= 128;
+  const std::string text = isComposed ? composed(input) : input.rest();
   const DOM_Document file = fuzz::parse(text);
+  expect(!isComposed || !file.isNull(), "what is composed is a document");
   const std::vector<std::string> expected =
       file.isNull() ? std::vector<std::string>() : expectedEntries(file, messageNumber);
 
@@ -120,6 +192,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const std::unique_ptr<DataScript> script(ZetNorvScript::buildData(messageNumber));
     expect((script == nullptr) == expected.empty(), "there is a script where there is an entry");
     if (script == nullptr) continue;
+    allowsWhatAnEntrySays(*script);
     const std::vector<std::string> entries = entriesOf(*script);
     expect(entries.size() == expected.size(), "the entries are as many");
     for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -128,6 +201,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   }
   expect(emulated.trace.has("Out ... XMLParse") == (file.isNull() && !text.empty()),
          "a file that is no document is traced");
+  expect(emulated.trace.count("ZetNorvScript_Pool: 0") == (expected.empty() ? 0 : 2),
+         "a script is traced, and no script is not");
   expect(DataScript::_nbInstances == 0 && DataComposant::_nbInstances == 0 &&
              DataBalise::_nbInstances == 0 && DataAttribut::_nbInstances == 0,
          "nothing is left of a script");
