@@ -86,7 +86,7 @@ void FreeNumbers::take(const Series& series, int number) { _next[series] = numbe
 
 int FreeNumbers::numberWithoutFile(const Series& series) {
   forgetWhatChanged();
-  // Behind the next one lie files, and the lost ones.
+  // All numbers below the next one are taken or lost.
   const std::set<int>& lost = _lost[series];
   int number = _next[series];
   if (!lost.empty()) number = std::min(number, *lost.begin());
