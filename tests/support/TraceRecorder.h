@@ -1,5 +1,5 @@
-// Hears the trace lines of this process while it lives, and expects each of the library's own at its
-// level.
+// Hears the trace lines of this process while it lives, and expects each of the library's own at
+// its level.
 #pragma once
 
 #include <string>
