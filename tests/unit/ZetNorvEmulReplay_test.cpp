@@ -64,34 +64,28 @@ TEST_F(ReplayTest, ServesTheRecordedAnswerWithItsStatusInANewBuffer) {
 }
 
 TEST_F(ReplayTest, ANulFollowsTheServedBytes) {
-  ZetNorvEmul::_nOp = 12;
-  index("<12><a><0>\n");
-  recorded("a", "text");
-  char* answer = nullptr;
-  int bytes = 0;
-  int status = 0;
-  int* size = &bytes;
-  int* state = &status;
-  ASSERT_EQ(ZetNorvEmul::postWensnd(0, answer, size, state), S_OK);
-  EXPECT_EQ(bytes, 4);
-  EXPECT_STREQ(answer, "text");
-  delete[] answer;
-}
-
-TEST_F(ReplayTest, ANulFollowsTheRewrittenBytes) {
-  identifiers(321, {"a longer one"}, {});
-  index("<321><a><0>\n");
-  recorded("a", xmlAnswer("<a><LogObject Identifier=\"1\"/></a>"));
-  const std::string served = rewritten("<a><LogObject Identifier=\"a longer one\"/></a>");
-  char* answer = nullptr;
-  int bytes = 0;
-  int status = 0;
-  int* size = &bytes;
-  int* state = &status;
-  ASSERT_EQ(ZetNorvEmul::postWensnd(0, answer, size, state), S_OK);
-  EXPECT_EQ(std::string(answer, static_cast<std::size_t>(bytes)), served);
-  EXPECT_EQ(answer[bytes], '\0');
-  delete[] answer;
+  const struct {
+    int op;
+    std::string recorded;
+    std::string served;
+  } cases[] = {{12, "text", "text"},
+               {321, xmlAnswer("<a><LogObject Identifier=\"1\"/></a>"),
+                rewritten("<a><LogObject Identifier=\"a longer one\"/></a>")}};
+  for (const auto& [op, bytesRecorded, served] : cases) {
+    resetEmulator();
+    identifiers(op, {"a longer one"}, {});
+    index("<" + std::to_string(op) + "><a><0>\n");
+    recorded("a", bytesRecorded);
+    char* answer = nullptr;
+    int bytes = 0;
+    int status = 0;
+    int* size = &bytes;
+    int* state = &status;
+    ASSERT_EQ(ZetNorvEmul::postWensnd(0, answer, size, state), S_OK);
+    EXPECT_EQ(std::string(answer, static_cast<std::size_t>(bytes)), served);
+    EXPECT_EQ(answer[bytes], '\0');
+    delete[] answer;
+  }
 }
 
 TEST_F(ReplayTest, AnEmptyRecordingServesNoBytes) {
