@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <string_view>
+#include <utility>
 
 #include "KelFile.h"
 #include "KelLib.h"
@@ -97,15 +99,28 @@ int FreeNumbers::numberWithoutFile(const Series& series) {
   }
 }
 
-void FreeNumbers::lose(const Series& series, int number) { _lost[series].insert(number); }
+void FreeNumbers::lose(const Series& series, int number) {
+  std::string native = nativeDirectory();
+  if (native != _lostIn) _lost.clear();
+  _lostIn = std::move(native);
+  _lost[series].insert(number);
+}
 
 bool FreeNumbers::isLost(const Series& series, int number) {
   const auto lost = _lost.find(series);
   if (lost == _lost.end() || !lost->second.contains(number)) return false;
+  // The directory's name may have come to stand for another one: the drive's root is not fixed.
+  if (nativeDirectory() != _lostIn) return false;
   if (hasLine(nameOf(series, number), true)) return true;
   // The line could not be written, or the scenario was removed and is recorded anew.
   lost->second.erase(number);
   return false;
+}
+
+std::string FreeNumbers::nativeDirectory() const {
+  std::string native = KelNativePath(KelUnicodeString(_directory.c_str()).ConvertToWide());
+  if (native.empty()) throw std::bad_alloc();
+  return native;
 }
 
 void FreeNumbers::forgetWhatChanged() {

@@ -49,12 +49,15 @@ class FreeNumbers {
 
  private:
   bool isLost(const Series& series, int number);
+  // Throws std::bad_alloc when there is no memory for it.
+  std::string nativeDirectory() const;
   void forgetWhatChanged();
 
   std::string _directory;
   KelDirectoryWatch _watch;
   std::map<Series, int> _next;
   std::map<Series, std::set<int>> _lost;
+  std::string _lostIn;  // the native path of the directory that they are lost in
 };
 
 }  // namespace zetnorv

@@ -384,6 +384,18 @@ TEST_F(RecordingTest, AnIndexThatCannotBeReadKeepsTheNamesOfLostAnswers) {
   EXPECT_FALSE(exists(reference("rep12_0.txt")));
 }
 
+TEST_F(RecordingTest, AnotherDriveHasNamesOfItsOwn) {
+  send(request(12, "x"));
+  block(reference("rep12_0.txt"));
+  EXPECT_EQ(receive("lost", 1).result, S_OK);
+  environment.set("KEL_DRIVE_ROOT", scratch.file("other"));
+  send(request(12, "x"));
+  FaultyFileSystem files;
+  files.fail(FaultyFileSystem::Call::kOpenRead, 1, FaultyFileSystem::Times::kAlways);
+  EXPECT_EQ(receive("recorded", 2).result, S_OK);
+  EXPECT_EQ(readBytes(scratch.file("other/in/case1.rec/Reference/rep12_0.txt")), "recorded");
+}
+
 TEST_F(RecordingTest, ALostAnswerWithoutALineKeepsNoNumber) {
   send(request(12, "x"));
   {
