@@ -53,9 +53,9 @@ KEL_FOUNDATION_EXPORT long KelFSize(int descriptor, int* size);
 // and for a descriptor that is not open.
 KEL_FOUNDATION_EXPORT long KelFEof(int descriptor);
 
-// Copies the regular file `source` to `target`. A file or a link of that name is replaced when
-// `mode` is 0 and refused otherwise; a directory or a device always is. The target appears whole or
-// not at all.
+// Copies the regular file `source` to `target`. What is there already is replaced when it is a file
+// or a link and `mode` is 0. With any other `mode` a file, or a link to one, is refused; a
+// directory or a device always is. The target appears whole or not at all.
 KEL_FOUNDATION_EXPORT long KelFCopy(const wchar_t* source, const wchar_t* target, int mode);
 
 // --- Beyond what a client's own foundation offers (see the README's table) ---

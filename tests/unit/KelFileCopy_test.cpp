@@ -98,6 +98,15 @@ TEST_F(KelFileCopyTest, OtherModesRefuseATargetThatIsThere) {
   EXPECT_EQ(names(), (Names{"source", "target"}));
 }
 
+TEST_F(KelFileCopyTest, OtherModesRefuseALinkToAFile) {
+  writeBytes(source, "new");
+  writeBytes(target, "old");
+  std::filesystem::create_symlink(target, scratch.file("link"));
+  EXPECT_EQ(copy(source, scratch.file("link"), 1), E_FAIL);
+  EXPECT_TRUE(std::filesystem::is_symlink(scratch.file("link")));
+  EXPECT_EQ(readBytes(target), "old");
+}
+
 TEST_F(KelFileCopyTest, OtherModesCopyToANewTarget) {
   writeBytes(source, "new");
   EXPECT_EQ(copy(source, target, 1), S_OK);
